@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Sets up the machine, builds every preset that CI gates on, runs the whole test suite in each
+# and checks the formatting. Exits non-zero on the first failure.
+set -euo pipefail
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+bash scripts/install-deps.sh
+
+presets=(default asan)
+jobs="$(nproc)"
+
+for preset in "${presets[@]}"; do
+    echo "=== preset ${preset} ==="
+    cmake --preset "${preset}"
+    cmake --build --preset "${preset}" --parallel "${jobs}"
+    ctest --preset "${preset}" --parallel "${jobs}"
+done
+
+echo "=== formatting ==="
+bash scripts/format.sh --check
