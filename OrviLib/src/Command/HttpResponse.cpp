@@ -1,0 +1,81 @@
+#include "Command/HttpResponse.h"
+
+#include <sstream>
+#include <utility>
+
+namespace Orvi::Command
+{
+
+const std::string HttpResponse::MIMETYPE_JSON = "application/json; charset=utf-8";
+
+HttpResponse::HttpResponse()
+    : m_status(Poco::Net::HTTPResponse::HTTP_OK)
+{
+}
+
+bool HttpResponse::isSuccess(HTTPStatus status)
+{
+    return status >= 200 && status <= 299;
+}
+
+bool HttpResponse::hasContent() const
+{
+    return !m_jsonMsg.isNull() || !m_textMsg.empty();
+}
+
+void HttpResponse::setDataFromText(std::string text, std::string mimetype)
+{
+    m_textMsg = std::move(text);
+    m_mimetype = std::move(mimetype);
+    m_jsonMsg.reset();
+}
+
+void HttpResponse::setDataFromObject(const Poco::JSON::Object::Ptr& object)
+{
+    m_jsonMsg = object;
+    m_textMsg.clear();
+    if (m_mimetype.empty())
+    {
+        m_mimetype = MIMETYPE_JSON;
+    }
+}
+
+void HttpResponse::setDataFromObject(const ResponseObject& object)
+{
+    setDataFromObject(object.JSONObject);
+}
+
+std::string HttpResponse::getBody() const
+{
+    if (m_jsonMsg.isNull())
+    {
+        return m_textMsg;
+    }
+    std::ostringstream body;
+    m_jsonMsg->stringify(body);
+    return body.str();
+}
+
+HttpResponse HttpResponse::createStatusOk(HTTPStatus status)
+{
+    HttpResponse response;
+    response.setStatus(status);
+    response.setDataFromObject(ResponseObject());
+    return response;
+}
+
+HttpResponse HttpResponse::createError(HTTPStatus status, const std::string& message)
+{
+    // Built directly: the body is an error body whatever the status number.
+    StatusObject body;
+    body.setErrorCode(status);
+    body.setMessage(message);
+    body.setStatus(StatusObject::STATUS_ERROR);
+
+    HttpResponse response;
+    response.setStatus(status);
+    response.setDataFromObject(body.JSONObject);
+    return response;
+}
+
+} // namespace Orvi::Command
