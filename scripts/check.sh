@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 bash scripts/install-deps.sh
 
-presets=(default asan)
+presets=(default asan tsan)
 jobs="$(nproc)"
 
 for preset in "${presets[@]}"; do

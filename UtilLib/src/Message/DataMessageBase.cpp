@@ -1,0 +1,10 @@
+#include "Message/DataMessageBase.h"
+
+namespace Orvi::Util
+{
+
+DataMessageBase::~DataMessageBase() = default;
+
+void DataMessageBase::destroyData() {}
+
+} // namespace Orvi::Util
