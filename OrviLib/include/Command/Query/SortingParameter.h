@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Command/Query/RenderCriterion.h"
+
+#include <Poco/Dynamic/Var.h>
+
+#include <string>
+#include <vector>
+
+namespace Orvi::Command
+{
+
+/// The order of "$sortby=a,-b": by a ascending, then by b descending.
+///
+/// The sort is stable. Values of one key compare numbers numerically, strings by their bytes and
+/// booleans false before true. Different kinds of values order as numbers, strings, booleans, then
+/// arrays and objects (equal among themselves); null and missing keys come last in either direction,
+/// and so do elements that are not objects.
+class SortingParameter : public RenderCriterion
+{
+public:
+    /// One key of the order.
+    struct SortKey
+    {
+        std::string name;
+        bool descending;
+    };
+
+    static const char KEY_SEPARATOR;
+    /// ',' between the keys of "$sortby".
+
+    static const char DESCENDING_PREFIX;
+    /// '-' in front of a key that sorts descending.
+
+    explicit SortingParameter(const std::string& queryValue);
+    /// Reads "a,-b"; invalid when the text or any key name in it is empty.
+
+    explicit SortingParameter(std::vector<SortKey> sortKeys);
+    /// Invalid when there is no key or a key without a name.
+
+    ~SortingParameter() override;
+
+    const std::vector<SortKey>& getSortKeys() const { return m_sortKeys; }
+
+    void sort(std::vector<Poco::Dynamic::Var>& elements) const;
+    /// Orders the elements by the keys.
+
+private:
+    std::vector<SortKey> m_sortKeys;
+};
+
+} // namespace Orvi::Command
