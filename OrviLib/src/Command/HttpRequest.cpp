@@ -1,0 +1,66 @@
+#include "Command/HttpRequest.h"
+
+#include <Poco/Exception.h>
+#include <Poco/Net/HTTPRequest.h>
+#include <Poco/URI.h>
+
+namespace Orvi::Command
+{
+
+namespace
+{
+
+UrlPath parseAddress(const std::string& text)
+{
+    try
+    {
+        const Poco::URI uri(text);
+        // The query is decoded lazily; decode it here so that a bad one is reported like a bad path.
+        uri.getQueryParameters();
+        return UrlPath(uri);
+    }
+    catch (const Poco::URISyntaxException&)
+    {
+        throw;
+    }
+    catch (const Poco::SyntaxException& error)
+    {
+        throw Poco::URISyntaxException(error.message());
+    }
+}
+
+} // namespace
+
+HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request)
+    : RequestBase(parseAddress(request.getURI()))
+    , m_type(toRequestType(request.getMethod()))
+    , m_httpRequest(request)
+{
+}
+
+HttpRequest::RequestType HttpRequest::toRequestType(const std::string& method)
+{
+    if (method == Poco::Net::HTTPRequest::HTTP_GET)
+    {
+        return GET;
+    }
+    if (method == Poco::Net::HTTPRequest::HTTP_HEAD)
+    {
+        return HEAD;
+    }
+    if (method == Poco::Net::HTTPRequest::HTTP_POST)
+    {
+        return POST;
+    }
+    if (method == Poco::Net::HTTPRequest::HTTP_PUT)
+    {
+        return PUT;
+    }
+    if (method == Poco::Net::HTTPRequest::HTTP_DELETE)
+    {
+        return DELETE;
+    }
+    return UNSUPPORTED;
+}
+
+} // namespace Orvi::Command

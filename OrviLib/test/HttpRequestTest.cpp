@@ -1,0 +1,180 @@
+#include "Command/HttpRequest.h"
+
+#include <Poco/Exception.h>
+#include <Poco/Net/HTTPServerParams.h>
+#include <Poco/Net/HTTPServerRequest.h>
+#include <Poco/Net/HTTPServerResponse.h>
+#include <Poco/Net/SocketAddress.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+using Orvi::Command::HttpRequest;
+using Orvi::Command::UrlPath;
+
+namespace
+{
+
+// Carries only what a request gives before its body is read: method and address.
+class FakeServerRequest : public Poco::Net::HTTPServerRequest
+{
+public:
+    FakeServerRequest(const std::string& method, const std::string& uri)
+    {
+        setMethod(method);
+        setURI(uri);
+    }
+
+    std::istream& stream() override { return m_body; }
+    const Poco::Net::SocketAddress& clientAddress() const override { return m_address; }
+    const Poco::Net::SocketAddress& serverAddress() const override { return m_address; }
+    const Poco::Net::HTTPServerParams& serverParams() const override
+    {
+        throw Poco::NotImplementedException("no server parameters");
+    }
+    Poco::Net::HTTPServerResponse& response() const override
+    {
+        throw Poco::NotImplementedException("no response");
+    }
+    bool secure() const override { return false; }
+
+private:
+    std::istringstream m_body;
+    Poco::Net::SocketAddress m_address;
+};
+
+std::string thrownBy(const std::string& uri)
+{
+    FakeServerRequest request("GET", uri);
+    try
+    {
+        const HttpRequest sut(request);
+    }
+    catch (const Poco::URISyntaxException& error)
+    {
+        return error.displayText();
+    }
+    return "nothing thrown";
+}
+
+} // namespace
+
+TEST(HttpRequest, TakesMethodAndAddressAsTheyStand)
+{
+    FakeServerRequest request("GET", "/s/r/e");
+
+    const HttpRequest sut(request);
+
+    EXPECT_EQ(sut.getType(), HttpRequest::GET);
+    EXPECT_EQ(sut.getUri().toString(), "/s/r/e");
+    EXPECT_EQ(sut.getUrlPath().getCharacteristic(), UrlPath::SERVICE_RESOURCE_OBJECT);
+    EXPECT_EQ(sut.getUrlPath().getElement(), "e");
+    EXPECT_EQ(&sut.getHttpRequest(), &request);
+}
+
+TEST(HttpRequest, HasNoMessageWithoutBody)
+{
+    FakeServerRequest request("POST", "/s/r");
+
+    const HttpRequest sut(request);
+
+    EXPECT_FALSE(sut.hasMessage());
+    EXPECT_EQ(sut.getMessage(), "");
+}
+
+TEST(HttpRequest, NumbersTheRequestTypes)
+{
+    EXPECT_EQ(HttpRequest::UNSUPPORTED, 0);
+    EXPECT_EQ(HttpRequest::GET, 1);
+    EXPECT_EQ(HttpRequest::HEAD, 2);
+    EXPECT_EQ(HttpRequest::POST, 3);
+    EXPECT_EQ(HttpRequest::PUT, 4);
+    EXPECT_EQ(HttpRequest::DELETE, 5);
+}
+
+TEST(HttpRequest, KnowsEachSupportedMethod)
+{
+    FakeServerRequest head("HEAD", "/");
+    FakeServerRequest post("POST", "/");
+    FakeServerRequest put("PUT", "/");
+    FakeServerRequest remove("DELETE", "/");
+
+    EXPECT_EQ(HttpRequest(head).getType(), HttpRequest::HEAD);
+    EXPECT_EQ(HttpRequest(post).getType(), HttpRequest::POST);
+    EXPECT_EQ(HttpRequest(put).getType(), HttpRequest::PUT);
+    EXPECT_EQ(HttpRequest(remove).getType(), HttpRequest::DELETE);
+}
+
+TEST(HttpRequest, CallsOtherMethodsUnsupported)
+{
+    FakeServerRequest options("OPTIONS", "/");
+    FakeServerRequest patch("PATCH", "/");
+    FakeServerRequest lowerCase("get", "/");
+    FakeServerRequest empty("", "/");
+
+    EXPECT_EQ(HttpRequest(options).getType(), HttpRequest::UNSUPPORTED);
+    EXPECT_EQ(HttpRequest(patch).getType(), HttpRequest::UNSUPPORTED);
+    EXPECT_EQ(HttpRequest(lowerCase).getType(), HttpRequest::UNSUPPORTED);
+    EXPECT_EQ(HttpRequest(empty).getType(), HttpRequest::UNSUPPORTED);
+}
+
+TEST(HttpRequest, HasNoCriteriaWithoutQuery)
+{
+    FakeServerRequest request("GET", "/s/r");
+
+    const HttpRequest sut(request);
+
+    EXPECT_FALSE(sut.hasAnyCriteria());
+}
+
+TEST(HttpRequest, ReadsTheCriteriaOfTheQuery)
+{
+    FakeServerRequest request("GET", "/s/r?$q=door&color=red");
+
+    const HttpRequest sut(request);
+
+    EXPECT_TRUE(sut.hasFreetextCriteria());
+    EXPECT_TRUE(sut.hasAttributeCriteria());
+    EXPECT_FALSE(sut.hasRenderCriteria());
+}
+
+TEST(HttpRequest, KeepsAnAddressOfNoKnownKind)
+{
+    FakeServerRequest request("GET", "/s/r/e/x");
+
+    const HttpRequest sut(request);
+
+    EXPECT_FALSE(sut.getUrlPath().isValid());
+    EXPECT_EQ(sut.getUri().toString(), "/s/r/e/x");
+}
+
+TEST(HttpRequest, RejectsAPathThatDoesNotDecode)
+{
+    FakeServerRequest request("GET", "/s%zz");
+
+    EXPECT_THROW(HttpRequest sut(request), Poco::URISyntaxException);
+    EXPECT_EQ(thrownBy("/s%zz"), "Bad URI syntax: URI encoding: not a hex digit");
+}
+
+TEST(HttpRequest, RejectsAQueryThatDoesNotDecode)
+{
+    FakeServerRequest request("GET", "/s/r?name=%zz");
+
+    EXPECT_THROW(HttpRequest sut(request), Poco::URISyntaxException);
+    EXPECT_EQ(thrownBy("/s/r?name=%zz"), "Bad URI syntax: URI encoding: not a hex digit");
+}
+
+TEST(HttpRequest, RejectsAnAddressWithABadPort)
+{
+    EXPECT_EQ(thrownBy("http://host:port/s"), "Bad URI syntax: bad or invalid port number: port");
+}
+
+TEST(HttpRequest, RejectsAMalformedReservedParameter)
+{
+    FakeServerRequest request("GET", "/s/r?$limit=abc");
+
+    EXPECT_THROW(HttpRequest sut(request), Poco::URISyntaxException);
+    EXPECT_EQ(thrownBy("/s/r?$limit=abc"), "Bad URI syntax: invalid value of $limit: abc");
+}
