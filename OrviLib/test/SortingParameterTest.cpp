@@ -1,0 +1,113 @@
+#include "Command/Query/SortingParameter.h"
+
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Parser.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+using Orvi::Command::SortingParameter;
+
+namespace
+{
+
+std::string sorted(const std::string& sortby, const std::string& elements)
+{
+    Poco::JSON::Parser parser;
+    const Poco::JSON::Array::Ptr array = parser.parse(elements).extract<Poco::JSON::Array::Ptr>();
+    std::vector<Poco::Dynamic::Var> values(array->begin(), array->end());
+    const SortingParameter sut(sortby);
+
+    sut.sort(values);
+
+    Poco::JSON::Array result;
+    for (const Poco::Dynamic::Var& value : values)
+    {
+        result.add(value);
+    }
+    std::ostringstream out;
+    result.stringify(out);
+    return out.str();
+}
+
+} // namespace
+
+TEST(SortingParameter, ReadsAscendingAndDescendingKeys)
+{
+    const SortingParameter sut("size,-name");
+
+    ASSERT_EQ(sut.getSortKeys().size(), 2U);
+    EXPECT_EQ(sut.getSortKeys()[0].name, "size");
+    EXPECT_FALSE(sut.getSortKeys()[0].descending);
+    EXPECT_EQ(sut.getSortKeys()[1].name, "name");
+    EXPECT_TRUE(sut.getSortKeys()[1].descending);
+    EXPECT_TRUE(sut.isValid());
+}
+
+TEST(SortingParameter, IsInvalidWithAnEmptyKey)
+{
+    EXPECT_FALSE(SortingParameter("").isValid());
+    EXPECT_FALSE(SortingParameter("-").isValid());
+    EXPECT_FALSE(SortingParameter("a,,b").isValid());
+    EXPECT_FALSE(SortingParameter("a,-").isValid());
+    EXPECT_FALSE(SortingParameter(std::vector<SortingParameter::SortKey>{}).isValid());
+}
+
+TEST(SortingParameter, SortsNumbersNumerically)
+{
+    EXPECT_EQ(sorted("n", R"([{"n": 10}, {"n": 2}, {"n": 18446744073709551615}, {"n": -3}, {"n": 1.5}])"),
+              R"([{"n":-3},{"n":1.5},{"n":2},{"n":10},{"n":18446744073709551615}])");
+}
+
+TEST(SortingParameter, SortsNumbersDescending)
+{
+    EXPECT_EQ(sorted("-n", R"([{"n": 2}, {"n": 10}, {"n": -3}])"), R"([{"n":10},{"n":2},{"n":-3}])");
+}
+
+TEST(SortingParameter, SortsStringsByTheirBytes)
+{
+    EXPECT_EQ(
+        sorted("s",
+               "[{\"s\": \"b\"}, {\"s\": \"\xc3\xa4\"}, {\"s\": \"B\"}, {\"s\": \"a\"}, {\"s\": \"ab\"}]"),
+        "[{\"s\":\"B\"},{\"s\":\"a\"},{\"s\":\"ab\"},{\"s\":\"b\"},{\"s\":\"\xc3\xa4\"}]");
+}
+
+TEST(SortingParameter, SortsFalseBeforeTrue)
+{
+    EXPECT_EQ(sorted("b", R"([{"b": true}, {"b": false}, {"b": true}])"),
+              R"([{"b":false},{"b":true},{"b":true}])");
+}
+
+TEST(SortingParameter, PutsMissingAndNullKeysLastInEitherDirection)
+{
+    const std::string elements = R"([{"id": 1}, {"id": 2, "n": null}, {"id": 3, "n": 1}, {"id": 4, "n": 2}])";
+
+    EXPECT_EQ(sorted("n", elements), R"([{"id":3,"n":1},{"id":4,"n":2},{"id":1},{"id":2,"n":null}])");
+    EXPECT_EQ(sorted("-n", elements), R"([{"id":4,"n":2},{"id":3,"n":1},{"id":1},{"id":2,"n":null}])");
+}
+
+TEST(SortingParameter, KeepsTheOrderOfEqualElements)
+{
+    EXPECT_EQ(sorted("n", R"([{"id": 1, "n": 2}, {"id": 2, "n": 1}, {"id": 3, "n": 2}, {"id": 4, "n": 1}])"),
+              R"([{"id":2,"n":1},{"id":4,"n":1},{"id":1,"n":2},{"id":3,"n":2}])");
+}
+
+TEST(SortingParameter, BreaksTiesByTheNextKey)
+{
+    EXPECT_EQ(sorted("a,-b", R"([{"a": 1, "b": 1}, {"a": 0, "b": 5}, {"a": 1, "b": 2}])"),
+              R"([{"a":0,"b":5},{"a":1,"b":2},{"a":1,"b":1}])");
+}
+
+TEST(SortingParameter, OrdersKindsAsNumbersStringsBooleansThenOthers)
+{
+    EXPECT_EQ(sorted("v", R"([{"v": [1]}, {"v": true}, {"v": "a"}, {"v": 5}, {}, {"v": {"id": "x"}}])"),
+              R"([{"v":5},{"v":"a"},{"v":true},{"v":[1]},{"v":{"id":"x"}},{}])");
+}
+
+TEST(SortingParameter, PutsElementsThatAreNoObjectsLastInTheirOrder)
+{
+    EXPECT_EQ(sorted("n", R"([7, {"n": 2}, "x", {"n": 1}])"), R"([{"n":1},{"n":2},7,"x"])");
+}
