@@ -1,0 +1,34 @@
+#pragma once
+
+#include <Poco/Net/HTTPRequestHandlerFactory.h>
+#include <Poco/Net/HTTPServer.h>
+#include <Poco/ThreadPool.h>
+#include <Poco/Types.h>
+
+#include <memory>
+
+namespace ServiceDB::Test
+{
+
+/// A real HTTP server on 127.0.0.1, on a port the OS picks, for the life of the object. Its pool has
+/// room for every connection a test keeps open, so no client waits for a thread.
+class LocalHttpServer
+{
+public:
+    static constexpr int MAX_THREADS = 8;
+
+    explicit LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr factory);
+    ~LocalHttpServer();
+
+    LocalHttpServer(const LocalHttpServer&) = delete;
+    LocalHttpServer& operator=(const LocalHttpServer&) = delete;
+
+    Poco::UInt16 port() const { return m_port; }
+
+private:
+    Poco::ThreadPool m_pool;
+    Poco::UInt16 m_port;
+    std::unique_ptr<Poco::Net::HTTPServer> m_server;
+};
+
+} // namespace ServiceDB::Test
