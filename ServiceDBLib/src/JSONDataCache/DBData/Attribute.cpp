@@ -116,9 +116,28 @@ bool parseInteger(const std::string& text, DBData::Attribute::Integer& result)
     }
 }
 
+std::size_t significantDigits(const std::string& text)
+{
+    std::size_t count = 0;
+    for (const char c : text)
+    {
+        if (c >= '0' && c <= '9' && (count != 0 || c != '0'))
+        {
+            ++count;
+        }
+    }
+    return count;
+}
+
 bool parseIntegerUnsigned(const std::string& text, DBData::Attribute::IntegerUnsigned& result)
 {
-    return Poco::NumberParser::tryParseUnsigned64(text, result, ',');
+    if (!Poco::NumberParser::tryParseUnsigned64(text, result, ','))
+    {
+        return false;
+    }
+    // The parser wraps round for the texts 18446744073709551616 to ...619 and gives 0 to 3; a result
+    // below 10 from more than one significant digit is such an out-of-range text.
+    return result >= 10 || significantDigits(text) <= 1;
 }
 
 bool parseNumber(const std::string& text, DBData::Attribute::Number& result)
