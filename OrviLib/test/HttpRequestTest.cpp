@@ -1,6 +1,9 @@
 #include "Command/HttpRequest.h"
+#include "Http/HTTPEncoderDecoder.h"
 
+#include <Poco/DeflatingStream.h>
 #include <Poco/Exception.h>
+#include <Poco/Net/HTTPResponse.h>
 #include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerResponse.h>
@@ -17,11 +20,12 @@ using Orvi::Command::UrlPath;
 namespace
 {
 
-// Carries only what a request gives before its body is read: method and address.
+// Method, address and the bytes of a body as they come from the socket.
 class FakeServerRequest : public Poco::Net::HTTPServerRequest
 {
 public:
-    FakeServerRequest(const std::string& method, const std::string& uri)
+    FakeServerRequest(const std::string& method, const std::string& uri, const std::string& body = "")
+        : m_body(body)
     {
         setMethod(method);
         setURI(uri);
@@ -45,6 +49,17 @@ private:
     Poco::Net::SocketAddress m_address;
 };
 
+std::string compressed(const std::string& text, Poco::DeflatingStreamBuf::StreamType type)
+{
+    std::ostringstream bytes;
+    Poco::DeflatingOutputStream deflater(bytes, type);
+    deflater << text;
+    deflater.close();
+    return bytes.str();
+}
+
+const std::string JSON_BODY = R"({"color":"red","name":"door"})";
+
 std::string thrownBy(const std::string& uri)
 {
     FakeServerRequest request("GET", uri);
@@ -53,6 +68,23 @@ std::string thrownBy(const std::string& uri)
         const HttpRequest sut(request);
     }
     catch (const Poco::URISyntaxException& error)
+    {
+        return error.displayText();
+    }
+    return "nothing thrown";
+}
+
+std::string thrownWhileReading(const std::string& body, const std::string& coding)
+{
+    FakeServerRequest request("POST", "/s/r", body);
+    request.set("Content-Encoding", coding);
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+    try
+    {
+        const HttpRequest sut(request, coder);
+    }
+    catch (const Poco::IOException& error)
     {
         return error.displayText();
     }
@@ -177,4 +209,90 @@ TEST(HttpRequest, RejectsAMalformedReservedParameter)
 
     EXPECT_THROW(HttpRequest sut(request), Poco::URISyntaxException);
     EXPECT_EQ(thrownBy("/s/r?$limit=abc"), "Bad URI syntax: invalid value of $limit: abc");
+}
+
+TEST(HttpRequest, ReadsAPlainBodyThroughTheCoder)
+{
+    FakeServerRequest request("POST", "/s/r", JSON_BODY);
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_TRUE(sut.hasMessage());
+    EXPECT_EQ(sut.getMessage(), JSON_BODY);
+    EXPECT_EQ(sut.getType(), HttpRequest::POST);
+    EXPECT_EQ(sut.getUrlPath().getCharacteristic(), UrlPath::SERVICE_RESOURCE);
+    EXPECT_EQ(&sut.getHttpRequest(), &request);
+}
+
+TEST(HttpRequest, DecodesAGzipBody)
+{
+    FakeServerRequest request("POST", "/s/r", compressed(JSON_BODY, Poco::DeflatingStreamBuf::STREAM_GZIP));
+    request.set("Content-Encoding", "gzip");
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_EQ(sut.getMessage(), JSON_BODY);
+}
+
+TEST(HttpRequest, DecodesADeflateBody)
+{
+    FakeServerRequest request("POST", "/s/r", compressed(JSON_BODY, Poco::DeflatingStreamBuf::STREAM_ZLIB));
+    request.set("Content-Encoding", "deflate");
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_EQ(sut.getMessage(), JSON_BODY);
+}
+
+TEST(HttpRequest, HasNoMessageForAnEmptyCompressedBody)
+{
+    FakeServerRequest request("DELETE", "/s/r/e");
+    request.set("Content-Encoding", "gzip");
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_FALSE(sut.hasMessage());
+    EXPECT_EQ(sut.getType(), HttpRequest::DELETE);
+}
+
+TEST(HttpRequest, RaisesAnIOErrorForACorruptCompressedBody)
+{
+    FakeServerRequest request("POST", "/s/r", "this is not gzip");
+    request.set("Content-Encoding", "gzip");
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    EXPECT_THROW(HttpRequest sut(request, coder), Poco::IOException);
+    EXPECT_EQ(thrownWhileReading("this is not gzip", "gzip"), "I/O error: data error");
+}
+
+TEST(HttpRequest, ParsesTheAddressBeforeReadingTheBody)
+{
+    FakeServerRequest request("POST", "/s/r?$limit=abc", "this is not gzip");
+    request.set("Content-Encoding", "gzip");
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    EXPECT_THROW(HttpRequest sut(request, coder), Poco::URISyntaxException);
+    EXPECT_EQ(request.stream().tellg(), 0);
+}
+
+TEST(HttpRequest, ReadsCriteriaAlongWithTheBody)
+{
+    FakeServerRequest request("POST", "/s/r?$fields=name", JSON_BODY);
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_TRUE(sut.hasFieldsCriteria());
+    EXPECT_EQ(sut.getMessage(), JSON_BODY);
 }

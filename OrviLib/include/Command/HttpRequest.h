@@ -6,6 +6,11 @@
 
 #include <string>
 
+namespace Orvi::Net
+{
+class HTTPEncoderDecoder;
+} // namespace Orvi::Net
+
 namespace Orvi::Command
 {
 
@@ -26,6 +31,11 @@ public:
     explicit HttpRequest(Poco::Net::HTTPServerRequest& request);
     /// Takes method and address of the request as they stand, without reading the body. Throws
     /// Poco::URISyntaxException for an address or query that does not parse.
+
+    HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder);
+    /// As the constructor above, then reads the whole body through the coder, which decodes a gzip or
+    /// deflate body. The address is parsed first, so a bad one is reported before the body is touched;
+    /// a corrupt compressed body raises Poco::IOException.
 
     Poco::Net::HTTPServerRequest& getHttpRequest() const { return m_httpRequest; }
 

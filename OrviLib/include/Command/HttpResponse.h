@@ -4,8 +4,14 @@
 
 #include <Poco/JSON/Object.h>
 #include <Poco/Net/HTTPResponse.h>
+#include <Poco/Net/HTTPServerResponse.h>
 
 #include <string>
+
+namespace Orvi::Net
+{
+class HTTPEncoderDecoder;
+} // namespace Orvi::Net
 
 namespace Orvi::Command
 {
@@ -18,6 +24,8 @@ class HttpResponse
 public:
     static const std::string MIMETYPE_JSON;
     /// "application/json; charset=utf-8", the media type of every JSON body.
+    static const std::string FIELD_LOCATION;
+    /// "Location", the header that carries the address of a created object.
 
     HttpResponse();
     /// An empty answer with status 200.
@@ -58,6 +66,13 @@ public:
 
     std::string getBody() const;
     /// The bytes of the body: the JSON body in compact form, otherwise the text.
+
+    void send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTPEncoderDecoder& coder,
+              bool headOnly) const;
+    /// Sends the answer: status with its reason, Location when set, and for content its media type,
+    /// the body encoded by the coder with its Content-Encoding, and Content-Length of the bytes. An
+    /// answer without content has Content-Length 0, no media type and no coding. With headOnly (for
+    /// HEAD) the headers, Content-Length included, are the same but no body byte is written.
 
     static HttpResponse createStatusOk(HTTPStatus status);
     /// An answer with the status and the body {"status":"ok"}.

@@ -1,5 +1,7 @@
 #include "Command/HttpRequest.h"
 
+#include "Http/HTTPEncoderDecoder.h"
+
 #include <Poco/Exception.h>
 #include <Poco/Net/HTTPRequest.h>
 #include <Poco/URI.h>
@@ -36,6 +38,12 @@ HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request)
     , m_type(toRequestType(request.getMethod()))
     , m_httpRequest(request)
 {
+}
+
+HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder)
+    : HttpRequest(request)
+{
+    m_message = coder.readBody(request.stream());
 }
 
 HttpRequest::RequestType HttpRequest::toRequestType(const std::string& method)

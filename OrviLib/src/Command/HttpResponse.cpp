@@ -1,5 +1,7 @@
 #include "Command/HttpResponse.h"
 
+#include "Http/HTTPEncoderDecoder.h"
+
 #include <sstream>
 #include <utility>
 
@@ -7,6 +9,7 @@ namespace Orvi::Command
 {
 
 const std::string HttpResponse::MIMETYPE_JSON = "application/json; charset=utf-8";
+const std::string HttpResponse::FIELD_LOCATION = "Location";
 
 HttpResponse::HttpResponse()
     : m_status(Poco::Net::HTTPResponse::HTTP_OK)
@@ -54,6 +57,41 @@ std::string HttpResponse::getBody() const
     std::ostringstream body;
     m_jsonMsg->stringify(body);
     return body.str();
+}
+
+void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTPEncoderDecoder& coder,
+                        bool headOnly) const
+{
+    response.setStatusAndReason(m_status);
+    if (!m_location.empty())
+    {
+        response.set(FIELD_LOCATION, m_location);
+    }
+
+    std::string bytes;
+    // An empty answer stays empty: compressing nothing would still produce a coding header.
+    if (hasContent())
+    {
+        if (!m_mimetype.empty())
+        {
+            response.setContentType(m_mimetype);
+        }
+        bytes = coder.encodeBody(getBody());
+        if (coder.isEncodingResponse())
+        {
+            response.set(Orvi::Net::HTTPEncoderDecoder::FIELD_CONTENT_ENCODING, coder.contentEncoding());
+        }
+    }
+
+    response.setChunkedTransferEncoding(false);
+    response.setContentLength64(static_cast<Poco::Int64>(bytes.size()));
+    if (headOnly)
+    {
+        // send() writes the headers only; sendBuffer() would replace Content-Length by the bytes given.
+        response.send();
+        return;
+    }
+    response.sendBuffer(bytes.data(), bytes.size());
 }
 
 HttpResponse HttpResponse::createStatusOk(HTTPStatus status)

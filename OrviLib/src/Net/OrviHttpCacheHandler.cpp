@@ -1,0 +1,22 @@
+#include "Net/OrviHttpCacheHandler.h"
+
+#include <string>
+
+namespace Orvi::Net
+{
+
+HTTPCacheHandler::CacheRequestResult
+OrviHttpCacheHandler::handleRequest(const Poco::Net::HTTPRequest& request, Poco::Net::HTTPResponse& response,
+                                    const Orvi::Command::HttpResponse& answer)
+{
+    const std::string etag = HTTPCacheHandler::computeETag(answer.getBody());
+    response.set(HTTPCacheHandler::FIELD_ETAG, etag);
+    if (!HTTPCacheHandler::matchesIfNoneMatch(request, etag))
+    {
+        return HTTPCacheHandler::CONTENT_CHANGED;
+    }
+    response.setStatusAndReason(Poco::Net::HTTPResponse::HTTP_NOT_MODIFIED);
+    return HTTPCacheHandler::CONTENT_UNCHANGED;
+}
+
+} // namespace Orvi::Net

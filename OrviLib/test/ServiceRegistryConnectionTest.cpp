@@ -1,0 +1,91 @@
+#include "ServiceRegistryConnection.h"
+
+#include <Poco/Net/NetException.h>
+#include <Poco/Net/ServerSocket.h>
+#include <Poco/Net/SocketAddress.h>
+#include <Poco/Net/StreamSocket.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using Orvi::ServiceRegistryConnection;
+
+namespace
+{
+
+// Keeps the process-wide registry address of one test from leaking into the next.
+class ServiceRegistryConnectionTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_address = ServiceRegistryConnection::ADDRESS;
+        m_port = ServiceRegistryConnection::PORT;
+    }
+    void TearDown() override
+    {
+        ServiceRegistryConnection::ADDRESS = m_address;
+        ServiceRegistryConnection::PORT = m_port;
+    }
+
+private:
+    std::string m_address;
+    Poco::UInt16 m_port = 0;
+};
+
+Poco::UInt16 portNobodyListensOn()
+{
+    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
+    const Poco::UInt16 port = server.address().port();
+    server.close();
+    return port;
+}
+
+std::string refusalText()
+{
+    try
+    {
+        ServiceRegistryConnection::connect();
+    }
+    catch (const Poco::Net::ConnectionRefusedException& error)
+    {
+        return error.displayText();
+    }
+    return "connected";
+}
+
+} // namespace
+
+TEST_F(ServiceRegistryConnectionTest, PointsAtTheLocalRegistryByDefault)
+{
+    EXPECT_EQ(ServiceRegistryConnection::ADDRESS, "127.0.0.1");
+    EXPECT_EQ(ServiceRegistryConnection::PORT, 7410);
+    EXPECT_EQ(ServiceRegistryConnection::DEFAULT_PORT, 7410);
+}
+
+TEST_F(ServiceRegistryConnectionTest, ConnectsToTheConfiguredAddressAndPort)
+{
+    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
+    ServiceRegistryConnection::PORT = server.address().port();
+
+    Poco::SharedPtr<Poco::Net::StreamSocket> sut = ServiceRegistryConnection::connect();
+
+    ASSERT_FALSE(sut.isNull());
+    EXPECT_EQ(sut->peerAddress().toString(), server.address().toString());
+    Poco::Net::StreamSocket accepted = server.acceptConnection();
+    const std::string greeting = "hello";
+    sut->sendBytes(greeting.data(), static_cast<int>(greeting.size()));
+    char received[5] = {};
+    EXPECT_EQ(accepted.receiveBytes(received, sizeof(received)), 5);
+    EXPECT_EQ(std::string(received, sizeof(received)), greeting);
+}
+
+TEST_F(ServiceRegistryConnectionTest, RaisesConnectionRefusedWhenNobodyListens)
+{
+    const Poco::UInt16 port = portNobodyListensOn();
+    ServiceRegistryConnection::PORT = port;
+
+    EXPECT_THROW(ServiceRegistryConnection::connect(), Poco::Net::ConnectionRefusedException);
+    EXPECT_EQ(refusalText(), "Connection refused: 127.0.0.1:" + std::to_string(port));
+}
