@@ -284,6 +284,17 @@ TEST(Endpoint, CountsEachMatchingRuleOnceForANameGivenTwice)
     EXPECT_FALSE(forbidden);
 }
 
+TEST(Endpoint, AllowsPostWhenMoreRulesMatchThanNamesAreGiven)
+{
+    const std::vector<Endpoint> rules{postRule("speed"), postRule("speed")};
+    bool missing = true;
+    bool forbidden = true;
+
+    EXPECT_TRUE(Endpoint::checkPostAllowed(rules, Names{"speed"}, missing, forbidden));
+    EXPECT_FALSE(missing);
+    EXPECT_FALSE(forbidden);
+}
+
 TEST(Endpoint, RefusesPostWithoutNamesAndOnlyOptionalRulesAsForbidden)
 {
     const std::vector<Endpoint> rules{postRule("speed"), postRule("rpm")};
@@ -397,6 +408,17 @@ TEST(Endpoint, RefusesDeletingOneAttributeTwiceWithOneRule)
     LogCapture capture;
 
     const bool allowed = Endpoint::checkDeleteAllowed(rules, Names{"a", "a"});
+
+    EXPECT_FALSE(allowed);
+    EXPECT_EQ(capture.lines(), Lines{ATTRIBUTE_DELETE_LINE});
+}
+
+TEST(Endpoint, RefusesDeletionWhenMoreRulesMatchThanNamesAreGiven)
+{
+    const std::vector<Endpoint> rules{deleteRule("a"), deleteRule("a")};
+    LogCapture capture;
+
+    const bool allowed = Endpoint::checkDeleteAllowed(rules, Names{"a"});
 
     EXPECT_FALSE(allowed);
     EXPECT_EQ(capture.lines(), Lines{ATTRIBUTE_DELETE_LINE});
