@@ -38,7 +38,7 @@ public:
     std::vector<Poco::SharedPtr<AttributeValue>> cells;
 };
 
-void updateOfAChangingValue(benchmark::State& state)
+void BM_IndexUpdateOfAChangingValue(benchmark::State& state)
 {
     const std::int64_t keys = state.range(0);
     FilledIndex filled(keys);
@@ -59,7 +59,7 @@ void updateOfAChangingValue(benchmark::State& state)
     state.SetItemsProcessed(state.iterations());
 }
 
-void findByValue(benchmark::State& state)
+void BM_IndexFindByValue(benchmark::State& state)
 {
     const std::int64_t keys = state.range(0);
     FilledIndex filled(keys);
@@ -72,7 +72,7 @@ void findByValue(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * keys);
 }
 
-void findByRegularExpression(benchmark::State& state)
+void BM_IndexFindByRegularExpression(benchmark::State& state)
 {
     const std::int64_t keys = state.range(0);
     FilledIndex filled(keys);
@@ -87,6 +87,6 @@ void findByRegularExpression(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(updateOfAChangingValue)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(findByValue)->Arg(1000)->Arg(10000)->Arg(100000);
-BENCHMARK(findByRegularExpression)->Arg(1000)->Arg(10000)->Arg(100000);
+BENCHMARK(BM_IndexUpdateOfAChangingValue)->Arg(1000)->Arg(10000)->Arg(100000);
+BENCHMARK(BM_IndexFindByValue)->Arg(1000)->Arg(10000)->Arg(100000);
+BENCHMARK(BM_IndexFindByRegularExpression)->Arg(1000)->Arg(10000)->Arg(100000);
