@@ -13,7 +13,6 @@ namespace
 using Orvi::DBData::Attribute;
 using Orvi::DBData::AttributeIndex;
 using Orvi::DBData::AttributeValue;
-using Orvi::DBData::DbId;
 using Orvi::DBData::Index::SimpleValue;
 using Poco::Dynamic::Var;
 
@@ -22,20 +21,20 @@ class FilledIndex
 {
 public:
     explicit FilledIndex(std::int64_t keys)
-        : attribute(new Attribute("odometer", Orvi::DBData::AttrType_Integer, false))
-        , index(*attribute)
+        : m_attribute(new Attribute("odometer", Orvi::DBData::AttrType_Integer, false))
+        , m_index(*m_attribute)
     {
-        cells.reserve(static_cast<std::size_t>(keys));
+        m_cells.reserve(static_cast<std::size_t>(keys));
         for (std::int64_t i = 0; i < keys; ++i)
         {
-            cells.emplace_back(new AttributeValue(i + 1, attribute, i + 1));
-            index.update(*cells.back(), Var(Attribute::Integer(i)));
+            m_cells.emplace_back(new AttributeValue(i + 1, m_attribute, i + 1));
+            m_index.update(*m_cells.back(), Var(Attribute::Integer(i)));
         }
     }
 
-    Attribute::Ptr attribute;
-    AttributeIndex<SimpleValue> index;
-    std::vector<Poco::SharedPtr<AttributeValue>> cells;
+    Attribute::Ptr m_attribute;
+    AttributeIndex<SimpleValue> m_index;
+    std::vector<Poco::SharedPtr<AttributeValue>> m_cells;
 };
 
 void BM_IndexUpdateOfAChangingValue(benchmark::State& state)
@@ -49,7 +48,8 @@ void BM_IndexUpdateOfAChangingValue(benchmark::State& state)
     {
         // Each cell moves to a value that no other cell holds, so the number of keys stays the same.
         const Var value(Attribute::Integer(next + round * keys));
-        benchmark::DoNotOptimize(filled.index.update(*filled.cells[static_cast<std::size_t>(next)], value));
+        benchmark::DoNotOptimize(
+            filled.m_index.update(*filled.m_cells[static_cast<std::size_t>(next)], value));
         if (++next == keys)
         {
             next = 0;
@@ -67,7 +67,7 @@ void BM_IndexFindByValue(benchmark::State& state)
 
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(filled.index.find(wanted));
+        benchmark::DoNotOptimize(filled.m_index.find(wanted));
     }
     state.SetItemsProcessed(state.iterations() * keys);
 }
@@ -80,7 +80,7 @@ void BM_IndexFindByRegularExpression(benchmark::State& state)
 
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(filled.index.find(wanted));
+        benchmark::DoNotOptimize(filled.m_index.find(wanted));
     }
     state.SetItemsProcessed(state.iterations() * keys);
 }
