@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Command/HttpRequest.h"
+#include "Command/HttpResponse.h"
+#include "Http/CorsRequestHandler.h"
+#include "Http/HTTPEncoderDecoder.h"
+#include "IUncopyable.h"
+#include "Message/MessageSync.h"
+
+#include <Poco/Net/HTTPRequestHandler.h>
+#include <Poco/Net/HTTPServerRequest.h>
+#include <Poco/Net/HTTPServerResponse.h>
+#include <Poco/URI.h>
+
+#include <string>
+#include <vector>
+
+namespace Orvi
+{
+
+class RSIDataMessage;
+
+/// The door of every HTTP request. A server thread hands the exchange to the worker thread and waits;
+/// the worker answers CORS, content coding, preconditions and errors, and dispatches the methods to the
+/// subclass. Register a subclass with the server's request handler factory.
+class HttpRequestHandlerBase : public Poco::Net::HTTPRequestHandler, private Util::IUncopyable
+{
+public:
+    explicit HttpRequestHandlerBase(Util::MessageSync& messageSync);
+    /// The queue must outlive the handler.
+
+    ~HttpRequestHandlerBase() override;
+
+    void handleRequest(Poco::Net::HTTPServerRequest& request,
+                       Poco::Net::HTTPServerResponse& response) override;
+    /// Runs on the server thread: answers 503 at once when the worker queue is full, otherwise queues
+    /// the exchange for the worker and waits until it has been answered.
+
+protected:
+    virtual Poco::Net::HTTPResponse::HTTPStatus
+    processGetRequest(const Command::HttpRequest& request, Command::HttpResponse& response,
+                      const Poco::URI& uri, const std::vector<std::string>& pathSegments) = 0;
+
+    virtual Poco::Net::HTTPResponse::HTTPStatus
+    processHeadRequest(const Command::HttpRequest& request, Command::HttpResponse& response,
+                       const Poco::URI& uri, const std::vector<std::string>& pathSegments) = 0;
+
+    virtual Poco::Net::HTTPResponse::HTTPStatus
+    processPostRequest(const Command::HttpRequest& request, Command::HttpResponse& response,
+                       const Poco::URI& uri, const std::vector<std::string>& pathSegments) = 0;
+    /// Gets the request with its body.
+
+    virtual Poco::Net::HTTPResponse::HTTPStatus
+    processDeleteRequest(const Command::HttpRequest& request, Command::HttpResponse& response,
+                         const Poco::URI& uri, const std::vector<std::string>& pathSegments) = 0;
+    /// Gets the request without its body.
+
+    virtual bool checkSwapKey(Net::HTTPEncoderDecoder& coder, const Poco::Net::HTTPServerRequest& request,
+                              Poco::Net::HTTPServerResponse& response);
+    /// A hook before the request is read; a subclass that returns false has answered by itself. The
+    /// base returns true.
+
+    void processRequestSync(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response);
+    /// Runs on the worker thread and answers the request.
+
+private:
+    friend class RSIDataMessage;
+
+    Poco::Net::HTTPResponse::HTTPStatus dispatch(Poco::Net::HTTPServerRequest& request,
+                                                 const Command::HttpRequest& requestWithBody,
+                                                 Command::HttpResponse& httpResponse, const Poco::URI& uri,
+                                                 const std::vector<std::string>& pathSegments);
+
+    static void traceResponse(const Poco::Net::HTTPServerResponse& response);
+
+    Net::CorsRequestHandler m_corsHandler;
+    Util::MessageSync& m_messageSync;
+};
+
+} // namespace Orvi
