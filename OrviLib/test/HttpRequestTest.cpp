@@ -1,5 +1,7 @@
 #include "Command/HttpRequest.h"
+
 #include "Http/HTTPEncoderDecoder.h"
+#include "TestSupport/FakeServerRequest.h"
 
 #include <Poco/DeflatingStream.h>
 #include <Poco/Exception.h>
@@ -21,33 +23,7 @@ namespace
 {
 
 // Method, address and the bytes of a body as they come from the socket.
-class FakeServerRequest : public Poco::Net::HTTPServerRequest
-{
-public:
-    FakeServerRequest(const std::string& method, const std::string& uri, const std::string& body = "")
-        : m_body(body)
-    {
-        setMethod(method);
-        setURI(uri);
-    }
-
-    std::istream& stream() override { return m_body; }
-    const Poco::Net::SocketAddress& clientAddress() const override { return m_address; }
-    const Poco::Net::SocketAddress& serverAddress() const override { return m_address; }
-    const Poco::Net::HTTPServerParams& serverParams() const override
-    {
-        throw Poco::NotImplementedException("no server parameters");
-    }
-    Poco::Net::HTTPServerResponse& response() const override
-    {
-        throw Poco::NotImplementedException("no response");
-    }
-    bool secure() const override { return false; }
-
-private:
-    std::istringstream m_body;
-    Poco::Net::SocketAddress m_address;
-};
+using ServiceDB::Test::FakeServerRequest;
 
 std::string compressed(const std::string& text, Poco::DeflatingStreamBuf::StreamType type)
 {
@@ -295,4 +271,16 @@ TEST(HttpRequest, ReadsCriteriaAlongWithTheBody)
 
     EXPECT_TRUE(sut.hasFieldsCriteria());
     EXPECT_EQ(sut.getMessage(), JSON_BODY);
+}
+
+TEST(HttpRequest, ReadsNoBodyWhenTheRequestGivesNoLength)
+{
+    FakeServerRequest request("POST", "/s/r", JSON_BODY);
+    request.setContentLength(Poco::Net::HTTPMessage::UNKNOWN_CONTENT_LENGTH);
+    Poco::Net::HTTPResponse response;
+    Orvi::Net::HTTPEncoderDecoder coder(request, response);
+
+    const HttpRequest sut(request, coder);
+
+    EXPECT_FALSE(sut.hasMessage());
 }

@@ -43,7 +43,12 @@ HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request)
 HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder)
     : HttpRequest(request)
 {
-    m_message = coder.readBody(request.stream());
+    // An HTTP/1.1 request without a length and without chunks has no body; reading one anyway would
+    // wait for the client to close its connection.
+    if (request.hasContentLength() || request.getChunkedTransferEncoding())
+    {
+        m_message = coder.readBody(request.stream());
+    }
 }
 
 HttpRequest::RequestType HttpRequest::toRequestType(const std::string& method)
