@@ -38,6 +38,7 @@ public:
     /// Parses each "service.resource.element" into an allowed target; any other shape is a bugcheck.
 
     AllowedReferences getAllowedReferences() const { return m_oneof; }
+    /// A copy of the parsed targets, in the order of the classes.
 
     bool checkUrlPath(const Command::UrlPath& url) const;
     /// True when the address names an object of an allowed service and resource, in any case. The
