@@ -21,9 +21,6 @@ function(servicedb_add_library name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "DEPENDS")
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/src/*.cpp")
     file(GLOB_RECURSE headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/include/*.h")
-    if(NOT sources)
-        return()
-    endif()
     add_library(${name} ${sources} ${headers})
     add_library(ServiceDB::${name} ALIAS ${name})
     target_include_directories(${name} PUBLIC
@@ -33,6 +30,7 @@ function(servicedb_add_library name)
     set_target_properties(${name} PROPERTIES
         EXPORT_NAME ${name}
         POSITION_INDEPENDENT_CODE ON
+        INSTALL_RPATH "$ORIGIN"
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     servicedb_compile_options(${name})
