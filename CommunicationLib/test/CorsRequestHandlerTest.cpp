@@ -6,6 +6,9 @@
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/Net/SocketAddress.h>
 
+#include "TestSupport/FakeServerRequest.h"
+#include "TestSupport/FakeServerResponse.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -19,71 +22,16 @@ namespace
 using Orvi::Net::CorsRequestHandler;
 using Headers = std::map<std::string, std::string>;
 
-class FakeServerRequest : public Poco::Net::HTTPServerRequest
+using ServiceDB::Test::FakeServerResponse;
+
+/// A request of the given method to the root.
+class FakeServerRequest : public ServiceDB::Test::FakeServerRequest
 {
 public:
-    explicit FakeServerRequest(const std::string& method) { setMethod(method); }
-
-    std::istream& stream() override { return m_body; }
-    const Poco::Net::SocketAddress& clientAddress() const override { return m_address; }
-    const Poco::Net::SocketAddress& serverAddress() const override { return m_address; }
-    const Poco::Net::HTTPServerParams& serverParams() const override
+    explicit FakeServerRequest(const std::string& method)
+        : ServiceDB::Test::FakeServerRequest(method, "/")
     {
-        throw Poco::NotImplementedException("serverParams");
     }
-    Poco::Net::HTTPServerResponse& response() const override
-    {
-        throw Poco::NotImplementedException("response");
-    }
-    bool secure() const override { return false; }
-
-private:
-    std::istringstream m_body;
-    Poco::Net::SocketAddress m_address;
-};
-
-class FakeServerResponse : public Poco::Net::HTTPServerResponse
-{
-public:
-    void sendContinue() override { throw Poco::NotImplementedException("sendContinue"); }
-    std::ostream& send() override
-    {
-        m_sent = true;
-        return m_body;
-    }
-    void sendFile(const std::string&, const std::string&) override
-    {
-        throw Poco::NotImplementedException("sendFile");
-    }
-    void sendBuffer(const void* buffer, std::size_t length) override
-    {
-        m_sent = true;
-        m_body.write(static_cast<const char*>(buffer), static_cast<std::streamsize>(length));
-    }
-    void redirect(const std::string&, HTTPStatus) override
-    {
-        throw Poco::NotImplementedException("redirect");
-    }
-    void requireAuthentication(const std::string&) override
-    {
-        throw Poco::NotImplementedException("requireAuthentication");
-    }
-    bool sent() const override { return m_sent; }
-
-    std::string body() const { return m_body.str(); }
-    Headers headers() const
-    {
-        Headers result;
-        for (const auto& [name, value] : *this)
-        {
-            result[name] = value;
-        }
-        return result;
-    }
-
-private:
-    std::ostringstream m_body;
-    bool m_sent = false;
 };
 
 const std::string ORIGIN = "http://dashboard.vehicle.local:8080";

@@ -9,6 +9,8 @@
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/StreamCopier.h>
 
+#include "TestSupport/JsonText.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -23,12 +25,7 @@ using Poco::Net::HTTPResponse;
 namespace
 {
 
-std::string toJson(const Poco::JSON::Object::Ptr& object)
-{
-    std::ostringstream text;
-    object->stringify(text);
-    return text.str();
-}
+using ServiceDB::Test::toJson;
 
 Poco::JSON::Object::Ptr makeObject(const std::string& key, const std::string& value)
 {

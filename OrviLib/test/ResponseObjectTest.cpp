@@ -5,6 +5,8 @@
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
 
+#include "TestSupport/JsonText.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -15,12 +17,7 @@ using Orvi::Command::ResponseObject;
 namespace
 {
 
-std::string toJson(const Poco::JSON::Object::Ptr& object)
-{
-    std::ostringstream text;
-    object->stringify(text);
-    return text.str();
-}
+using ServiceDB::Test::toJson;
 
 Poco::JSON::Object::Ptr makeObject(const std::string& key, const std::string& value)
 {

@@ -2,6 +2,8 @@
 
 #include <Poco/JSON/Object.h>
 
+#include "TestSupport/JsonText.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,12 +14,7 @@ using Orvi::Command::StatusObject;
 namespace
 {
 
-std::string toJson(const Poco::JSON::Object::Ptr& object)
-{
-    std::ostringstream text;
-    object->stringify(text);
-    return text.str();
-}
+using ServiceDB::Test::toJson;
 
 } // namespace
 

@@ -4,6 +4,8 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/Net/HTTPResponse.h>
 
+#include "TestSupport/JsonText.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -14,12 +16,7 @@ using Orvi::Command::WebSocketResponseObject;
 namespace
 {
 
-std::string toJson(const Poco::JSON::Object::Ptr& object)
-{
-    std::ostringstream text;
-    object->stringify(text);
-    return text.str();
-}
+using ServiceDB::Test::toJson;
 
 } // namespace
 

@@ -6,6 +6,8 @@
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/SharedPtr.h>
 
+#include "TestSupport/FakeServerRequest.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -19,32 +21,19 @@ using Orvi::Service::VersionCheck;
 using VersionTuple = Orvi::Service::VersionCheck::VersionTuple;
 using VersionList = std::vector<Poco::SharedPtr<std::string>>;
 
-class FakeServerRequest : public Poco::Net::HTTPServerRequest
+/// A GET that accepts the given media types, or any without them.
+class FakeServerRequest : public ServiceDB::Test::FakeServerRequest
 {
 public:
-    FakeServerRequest() { setMethod(Poco::Net::HTTPRequest::HTTP_GET); }
+    FakeServerRequest()
+        : ServiceDB::Test::FakeServerRequest(Poco::Net::HTTPRequest::HTTP_GET, "/")
+    {
+    }
     explicit FakeServerRequest(const std::string& accept)
         : FakeServerRequest()
     {
         set("Accept", accept);
     }
-
-    std::istream& stream() override { return m_body; }
-    const Poco::Net::SocketAddress& clientAddress() const override { return m_address; }
-    const Poco::Net::SocketAddress& serverAddress() const override { return m_address; }
-    const Poco::Net::HTTPServerParams& serverParams() const override
-    {
-        throw Poco::NotImplementedException("serverParams");
-    }
-    Poco::Net::HTTPServerResponse& response() const override
-    {
-        throw Poco::NotImplementedException("response");
-    }
-    bool secure() const override { return false; }
-
-private:
-    std::istringstream m_body;
-    Poco::Net::SocketAddress m_address;
 };
 
 VersionList versions(const std::vector<std::string>& texts)
