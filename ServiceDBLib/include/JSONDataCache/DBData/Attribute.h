@@ -91,8 +91,8 @@ public:
     /// To bool; integers are true when non-zero, text is read like Poco::NumberParser::tryParseBool.
 
     static void convertToObjectRef(Poco::Dynamic::Var& value);
-    /// To ObjectRef, from a JSON object with "uri", a URI or text; the address has to name one object
-    /// of a resource.
+    /// To ObjectRef, from a stored object or a JSON object with "uri", a URI or text; the address has to
+    /// name one object of a resource.
 
     static bool checkAttributeValueContent(AttributeType attributeType, Poco::Dynamic::Var& value,
                                            const aConstraint* aconst, bool allowNullValue);

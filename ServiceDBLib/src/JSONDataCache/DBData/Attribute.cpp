@@ -6,6 +6,7 @@
 #include "JSONDataCache/DBData/ConstraintOneOf.h"
 #include "JSONDataCache/DBData/ConstraintResolution.h"
 #include "JSONDataCache/DBData/Element.h"
+#include "JSONDataCache/DBData/XObject.h"
 #include "Logging/LogStream.h"
 
 #include <Poco/Bugcheck.h>
@@ -184,8 +185,21 @@ bool checkAndStoreNumericValue(Var& value, const DBData::aConstraint& aconst)
 // Reads the address out of a reference value; false when the value has no "uri".
 bool readReferenceUri(const Var& value, Poco::URI& retUri)
 {
-    // Stored object rows (XObject::Ptr) are the first form to read, by their "uri" attribute value;
-    // their branch belongs here, ahead of JSON objects, once rows can be held in a Var.
+    if (value.type() == typeid(DBData::XObject::Ptr))
+    {
+        const DBData::XObject::Ptr& object = value.extract<DBData::XObject::Ptr>();
+        if (object.isNull())
+        {
+            return false;
+        }
+        const DBData::AttributeValuePtr uriValue = object->getValue(KEY_URI);
+        if (uriValue.isNull())
+        {
+            return false;
+        }
+        retUri = uriValue->getValue().convert<std::string>();
+        return true;
+    }
     if (value.type() == typeid(Poco::JSON::Object::Ptr))
     {
         const Poco::JSON::Object::Ptr& object = value.extract<Poco::JSON::Object::Ptr>();
