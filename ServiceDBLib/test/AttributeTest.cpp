@@ -7,6 +7,7 @@
 #include "JSONDataCache/DBData/Element.h"
 #include "JSONDataCache/DBData/Resource.h"
 #include "JSONDataCache/DBData/Service.h"
+#include "JSONDataCache/DBData/XObject.h"
 #include "TestSupport/LogCapture.h"
 
 #include <Poco/Dynamic/Var.h>
@@ -940,6 +941,70 @@ TEST(Attribute, RefusesANullJsonObjectAsMissingUri)
     EXPECT_EQ(text,
               "Runtime exception: Attribute::setValue trying to set object reference type without 'uri' "
               "attribute");
+}
+
+// An object row of the "doors" resource with the given cells.
+Orvi::DBData::XObject::Ptr objectRow(const Orvi::DBData::AttributeValueList& cells)
+{
+    Orvi::DBData::XObject::Ptr row(new Orvi::DBData::XObject(Element::Ptr()));
+    row->setDBID(3);
+    row->setAttributeValues(cells);
+    return row;
+}
+
+Orvi::DBData::AttributeValuePtr cellOf(const std::string& attributeName, const Var& value)
+{
+    Orvi::DBData::AttributeValuePtr cell(
+        new Orvi::DBData::AttributeValue(3, new Attribute(attributeName), 1));
+    cell->setValue(value, false);
+    return cell;
+}
+
+TEST(Attribute, TakesTheUriOfAnObjectRow)
+{
+    Var value(objectRow({cellOf("name", Var("front")), cellOf("uri", Var(OBJECT_URI))}));
+
+    Attribute::convertToObjectRef(value);
+
+    EXPECT_EQ(value.type(), typeid(Poco::URI));
+    EXPECT_EQ(value.extract<Poco::URI>().toString(), OBJECT_URI);
+}
+
+TEST(Attribute, RefusesAnObjectRowWithoutUri)
+{
+    LogCapture capture;
+    const Orvi::DBData::XObject::Ptr row = objectRow({cellOf("name", Var("front"))});
+    Var value(row);
+
+    const std::string text = conversionError(Attribute::convertToObjectRef, value);
+
+    EXPECT_EQ(text,
+              "Runtime exception: Attribute::setValue trying to set object reference type without 'uri' "
+              "attribute");
+    EXPECT_THAT(capture.lines(), ElementsAre("Error: Missing 'uri' attribute in object reference!"));
+    EXPECT_EQ(value.extract<Orvi::DBData::XObject::Ptr>().get(), row.get());
+}
+
+TEST(Attribute, RefusesANullObjectRowAsMissingUri)
+{
+    Var value(Orvi::DBData::XObject::Ptr{});
+
+    const std::string text = conversionError(Attribute::convertToObjectRef, value);
+
+    EXPECT_EQ(text,
+              "Runtime exception: Attribute::setValue trying to set object reference type without 'uri' "
+              "attribute");
+}
+
+TEST(Attribute, RefusesAnObjectRowWhoseUriAddressesAWholeResource)
+{
+    Var value(objectRow({cellOf("uri", Var("/car/doors"))}));
+
+    const std::string text = conversionError(Attribute::convertToObjectRef, value);
+
+    EXPECT_EQ(
+        text,
+        "Runtime exception: Attribute::setValue trying to set object reference type with invalid value");
 }
 
 TEST(Attribute, RefusesAUriWithASyntaxErrorAsInvalidValue)
