@@ -381,7 +381,16 @@ TEST(XObjectCache, RaisesANullPointerErrorForANullEntry)
     sut.enterNullObject(5);
     XObject target{Element::Ptr()};
 
-    EXPECT_THROW(sut.get(DbId(5), target, true), Poco::NullPointerException);
+    try
+    {
+        sut.get(DbId(5), target, true);
+        FAIL() << "nothing thrown";
+    }
+    catch (const Poco::Exception& e)
+    {
+        EXPECT_EQ(typeid(e), typeid(Poco::NullPointerException));
+        EXPECT_EQ(e.displayText(), "Null pointer");
+    }
 }
 
 // Values
