@@ -4,17 +4,25 @@
 #include "Command/RequestBase.h"
 #include "Command/UrlPath.h"
 #include "Command/WebSocketResponseObject.h"
+#include "JSONDataCache/DBData/AttributeValue.h"
 #include "JSONDataCache/DBData/Element.h"
 #include "JSONDataCache/DBData/Resource.h"
 #include "JSONDataCache/DBData/Service.h"
+#include "JSONDataCache/DBData/XObject.h"
+#include "JSONDataCache/DBData/XObjectCache.h"
+#include "JSONDataCache/DBData/aDBTableEntry.h"
 #include "JSONDataCache/InitialCacheData.h"
 
+#include <Poco/Dynamic/Var.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
+#include <Poco/RegularExpression.h>
 #include <Poco/Types.h>
 #include <Poco/UUID.h>
 
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvi::JSONDataCache
@@ -25,6 +33,9 @@ namespace Orvi::JSONDataCache
 class JSONDataCache
 {
 public:
+    using AttributeValuePairs = std::vector<std::pair<std::string, Poco::Dynamic::Var>>;
+    /// Attribute names with the value each must hold exactly.
+
     static const std::string MIMETYPE_TEXT_PLAIN;
     /// "text/plain", the media type of id keywords.
 
@@ -81,6 +92,86 @@ public:
     std::string selectResourceElementName(const std::string& servicename, const std::string& resourcename);
     /// Empty when the resource or its element is unknown.
 
+    bool existsObjectWithId(DBData::DbId objectId) const;
+    /// True when the store holds an object of this id.
+
+    DBData::XObject::Ptr selectXObject(DBData::DbId id, Poco::Int32 recursionDepth);
+    /// A private copy of the stored object with its references resolved recursionDepth levels deep;
+    /// null, with a warning, when there is none.
+
+    DBData::XObject::Ptr selectXObject(const std::string& uuid, Poco::Int32 recursionDepth);
+    /// The same by UUID.
+
+    DBData::XObject::Ptr selectXObject(const std::string& servicename, const std::string& resourcename,
+                                       const std::string& uuid, Poco::Int32 recursionDepth);
+    /// The same, null also when the object belongs to another resource.
+
+    bool selectXObjectByID(DBData::DbId id, DBData::XObject& retXObject, Poco::Int32 recursionDepth, bool);
+    /// Swaps a private copy of the object into retXObject; false when there is none. The flag has no
+    /// effect.
+
+    bool selectXObjectByUUID(const std::string& servicename, const std::string& resourcename,
+                             const std::string& uuid, DBData::XObject& retXObject, Poco::Int32 recursionDepth,
+                             bool withConstraints);
+    /// Swaps a private copy of the object into retXObject; false when the resource is unknown or the
+    /// object is not one of its objects. withConstraints has no effect here.
+
+    void selectValues(DBData::XObject& xobj, Poco::Int32 recursionDepth);
+    /// Resolves the references of a private copy into selected objects; past depth zero only "id",
+    /// "name" and "uri" keep their values. References to deleted objects are removed from the store.
+
+    bool selectXObjectsFromElement(const DBData::Element& parentElement,
+                                   std::vector<DBData::XObject::Ptr>& retXobjects, int expansionLevel);
+    /// Private copies of all objects of the element, by ascending id; true when there are any.
+
+    bool selectXObjectsByRequest(const Command::RequestBase& request,
+                                 std::vector<DBData::XObject::Ptr>& retXobjects);
+    /// The objects of a resource address that match the request's free-text and attribute searches,
+    /// by ascending id; without searches, all of them. False only for another kind of address or an
+    /// unknown resource. Raises Poco::RegularExpressionException for a search that does not compile.
+
+    bool selectXObjectIDsOfResource(const std::string& servicename, const std::string& resourcename,
+                                    std::vector<long>& retIds);
+    /// Replaces retIds by the ids of the resource's objects, in UUID order; false when there are none.
+
+    bool selectXObjectIDsWithAttributesOfValues(const std::string& servicename,
+                                                const std::string& resourcename, std::vector<long>& retIds,
+                                                const AttributeValuePairs& attributes_with_values);
+    /// Narrows retIds to the objects holding every given value exactly; unknown attribute names are
+    /// skipped. True whenever the search ran, whatever it found.
+
+    int getExpansionLevel(const Command::RequestBase& request) const;
+    /// The level at which a request renders references; 1 when it names the references to expand.
+
+    bool insertXObject(const std::string& service, const std::string& resource, DBData::XObject& xobj);
+    /// Creates an object of the resource's element, with the UUID of xobj if it has one, and swaps it
+    /// into xobj: "id", "name" and "uri" get their initial values, every other attribute is null.
+    /// False when the element is unknown or the UUID is in use. Raises Poco::RuntimeException when no
+    /// free UUID is found.
+
+    bool insertXObject(const std::string& service, const std::string& resource, std::string& newUUID,
+                       DBData::DbId& newDBID);
+    /// The same with a UUID as text, which is ignored unless it parses; gives back the UUID and the id.
+
+    bool insertXObject(const std::string& service, const std::string& resource, std::string& newUUID);
+    /// The same without the id.
+
+    bool deleteXObject(const std::string& uuid);
+    /// Removes the object from its indexes, the store and its element; false when it is unknown.
+    /// References to it are left to be repaired when they are next read.
+
+    std::size_t deleteAllServicesWithName(const std::string& servicename);
+    /// Removes the service's objects from the store and the service from the map. Always 1.
+
+    bool updateCacheAttributeValueById(DBData::AttributeValue& attrvalue, bool allowDelete);
+    /// Converts, checks and writes the cell into the stored object named by its parent id, and files it
+    /// in its index; a reference is stored as its bare UUID. A null value removes the stored one when
+    /// allowDelete is set and is refused otherwise.
+
+    bool updateCacheArrayAttributeValueById(const DBData::AttributeValue& attrvalue, bool allowDelete);
+    /// The same for an array attribute. Null elements are dropped from the cell's shared vector in
+    /// place; an array left empty is a removal.
+
 protected:
     virtual Command::HTTPStatus queryCacheRoot(const Command::RequestBase& requestCommand,
                                                Command::WebSocketResponseObject& retResponse);
@@ -106,7 +197,15 @@ protected:
 
     template <typename ResponseT>
     Command::HTTPStatus queryCacheElement(const Command::RequestBase& request, ResponseT& out_response);
-    /// Answers one object of a resource.
+    /// Answers one object of a resource; 404 when it is not one of its objects.
+
+    void constructObjectResponse(const Poco::JSON::Object::Ptr& pJsonDbObject,
+                                 Command::HttpResponse& out_response);
+    /// Wraps the object as "data" into a new envelope with status.
+
+    void constructObjectResponse(const Poco::JSON::Object::Ptr& pJsonDbObject,
+                                 Command::WebSocketResponseObject& out_response);
+    /// Hands the object to the subscription answer.
 
     void constructArrayResponse(const Poco::JSON::Object::Ptr& baseObj,
                                 const Poco::JSON::Array::Ptr& pDataArray,
@@ -120,9 +219,23 @@ protected:
                                 Command::WebSocketResponseObject& out_response);
     /// Hands array and paging to the subscription answer; baseObj is not transmitted.
 
+    DBData::XObjectCache m_xobjCache;
+    /// Every object of this cache; kept in step with the elements' registries and indexes.
+
 private:
     DBData::ServiceMap& m_serviceCache;
     const Poco::UUID m_systemUUID;
 };
+
+const Poco::RegularExpression& findWildCard();
+/// Matches a run of query wildcards, in either spelling.
+
+std::string prepareRegEx(const std::string& searchValue);
+/// The pattern of a search value: anchored at both ends, each run of wildcards matching any text. The
+/// other characters are taken as pattern syntax.
+
+std::string extractUuid(const Poco::Dynamic::Var& value);
+/// The UUID text of a reference in any of its input forms. Raises what the conversion of the reference
+/// raises, and Poco::SyntaxException when the address does not end in a UUID.
 
 } // namespace Orvi::JSONDataCache
