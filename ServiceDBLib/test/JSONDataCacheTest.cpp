@@ -480,7 +480,7 @@ TEST_F(JSONDataCacheTest, AnswersAResourceOnAnotherServicesPortWithNotFound)
     EXPECT_TRUE(isUntouched(response));
 }
 
-TEST_F(JSONDataCacheTest, AnswersAResourceWithAnEmptyList)
+TEST_F(JSONDataCacheTest, AnswersAResourceWithoutObjectsWithAnEmptyList)
 {
     LogCapture capture;
 
@@ -489,7 +489,8 @@ TEST_F(JSONDataCacheTest, AnswersAResourceWithAnEmptyList)
     EXPECT_EQ(status, Status::HTTP_OK);
     EXPECT_EQ(response.getMimetype(), JSON_MIMETYPE);
     EXPECT_EQ(stringify(response.getJsonMsg()), "{\"data\":[],\"status\":\"ok\"}");
-    EXPECT_EQ(capture.lines(), Lines{});
+    EXPECT_EQ(capture.lines(),
+              Lines{"Info: Selection of Elements for Resource \"/vehicle/speed/\" returned 0 results."});
 }
 
 TEST_F(JSONDataCacheTest, DoesNotPageAnEmptyResourceList)
@@ -500,7 +501,7 @@ TEST_F(JSONDataCacheTest, DoesNotPageAnEmptyResourceList)
     EXPECT_EQ(stringify(response.getJsonMsg()), "{\"data\":[],\"status\":\"ok\"}");
 }
 
-TEST_F(JSONDataCacheTest, AnswersAnObjectWithNotFound)
+TEST_F(JSONDataCacheTest, AnswersAnUnknownObjectWithNotFound)
 {
     LogCapture capture;
 
@@ -508,7 +509,8 @@ TEST_F(JSONDataCacheTest, AnswersAnObjectWithNotFound)
 
     EXPECT_EQ(status, Status::HTTP_NOT_FOUND);
     EXPECT_EQ(capture.lines(),
-              Lines{"Warning: Selection of Element \"/vehicle/speed/" + OBJECT_UUID + "/\" failed."});
+              Lines({"Warning: Can not find XObject with UUID " + OBJECT_UUID,
+                     "Warning: Selection of Element \"/vehicle/speed/" + OBJECT_UUID + "/\" failed."}));
     EXPECT_TRUE(isUntouched(response));
 }
 
@@ -594,7 +596,7 @@ TEST_F(JSONDataCacheTest, SendsAnEmptyResourceToASubscription)
     EXPECT_EQ(stringify(wsResponse.JSONObject), "{\"data\":[],\"status\":\"ok\"}");
 }
 
-TEST_F(JSONDataCacheTest, AnswersASubscriptionToAnObjectWithNotFound)
+TEST_F(JSONDataCacheTest, AnswersASubscriptionToAnUnknownObjectWithNotFound)
 {
     LogCapture capture;
 
@@ -602,7 +604,8 @@ TEST_F(JSONDataCacheTest, AnswersASubscriptionToAnObjectWithNotFound)
 
     EXPECT_EQ(status, Status::HTTP_NOT_FOUND);
     EXPECT_EQ(capture.lines(),
-              Lines{"Warning: Selection of Element \"/vehicle/odometer/" + OBJECT_UUID + "/\" failed."});
+              Lines({"Warning: Can not find XObject with UUID " + OBJECT_UUID,
+                     "Warning: Selection of Element \"/vehicle/odometer/" + OBJECT_UUID + "/\" failed."}));
 }
 
 TEST_F(JSONDataCacheTest, AnswersASubscriptionToAnUnknownServiceWithNotFound)

@@ -307,23 +307,78 @@ HTTPStatus JSONDataCache::queryCacheService(const RequestBase& request, const DB
 }
 
 template <typename ResponseT>
-HTTPStatus JSONDataCache::queryCacheResource(const RequestBase&, ResponseT& out_response)
+HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, ResponseT& out_response)
 {
-    // Objects are not answered yet: every resource is an empty list, which is not filtered and has no
-    // paging.
-    const Poco::JSON::Array::Ptr dataArray(new Poco::JSON::Array);
-    constructArrayResponse(Poco::JSON::Object::Ptr(), dataArray, Poco::JSON::Object::Ptr(), out_response);
-    return HTTPStatus::HTTP_OK;
+    try
+    {
+        std::vector<XObject::Ptr> xobjects;
+        if (!selectXObjectsByRequest(request, xobjects))
+        {
+            const UrlPath& urlPath = request.getUrlPath();
+            LOG_INFO("Selection of Elements for Resource \"/" << urlPath.getService() << "/"
+                                                              << urlPath.getResource() << "/\" returned "
+                                                              << xobjects.size() << " results.");
+        }
+
+        Poco::JSON::Array::Ptr dataArray(new Poco::JSON::Array);
+        Poco::JSON::Object::Ptr pPagingObject;
+        const int expansionLevel = getExpansionLevel(request);
+
+        if (!DBDataToJSONTransformator::transformXObjectsToJSONArray(xobjects, *dataArray, expansionLevel))
+        {
+            throw Poco::Exception("invalid format of elements-data.");
+        }
+        if (dataArray->size() > 0)
+        {
+            Command::QueryFilterJSON::filterJSONArrayByQuery(*dataArray, request, *dataArray, pPagingObject);
+        }
+
+        constructArrayResponse(Poco::JSON::Object::Ptr(), dataArray, pPagingObject, out_response);
+        return HTTPStatus::HTTP_OK;
+    }
+    catch (const Poco::Exception& e)
+    {
+        LOG_ERROR("Failed to transform Resource query to Response: " << e.what());
+        return HTTPStatus::HTTP_INTERNAL_SERVER_ERROR;
+    }
 }
 
 template <typename ResponseT>
-HTTPStatus JSONDataCache::queryCacheElement(const RequestBase& request, ResponseT&)
+HTTPStatus JSONDataCache::queryCacheElement(const RequestBase& request, ResponseT& out_response)
 {
-    // Objects are not answered yet: no object is found.
-    const UrlPath& urlPath = request.getUrlPath();
-    LOG_WARNING("Selection of Element \"/" << urlPath.getService() << "/" << urlPath.getResource() << "/"
-                                           << urlPath.getElement() << "/\" failed.");
-    return HTTPStatus::HTTP_NOT_FOUND;
+    try
+    {
+        XObject xobject{Element::Ptr()};
+        const int expansionLevel = getExpansionLevel(request);
+
+        const UrlPath& urlPath = request.getUrlPath();
+        if (!selectXObjectByUUID(urlPath.getService(), urlPath.getResource(), urlPath.getElement(), xobject,
+                                 expansionLevel, false))
+        {
+            LOG_WARNING("Selection of Element \"/" << urlPath.getService() << "/" << urlPath.getResource()
+                                                   << "/" << urlPath.getElement() << "/\" failed.");
+            return HTTPStatus::HTTP_NOT_FOUND;
+        }
+
+        Poco::JSON::Object jsonElementData(0);
+        if (!DBDataToJSONTransformator::transformXObjectToJSONObject(xobject, jsonElementData,
+                                                                     expansionLevel))
+        {
+            throw Poco::Exception("invalid format of element-data.");
+        }
+
+        Poco::JSON::Object::Ptr pJsonElementData_filtered(new Poco::JSON::Object(0));
+        Command::QueryFilterJSON::filterJSONObjectByQuery(jsonElementData, request,
+                                                          *pJsonElementData_filtered);
+
+        constructObjectResponse(pJsonElementData_filtered, out_response);
+        return HTTPStatus::HTTP_OK;
+    }
+    catch (const Poco::Exception& e)
+    {
+        LOG_ERROR("Failed to transform Element query to Response: " << e.what());
+        return HTTPStatus::HTTP_INTERNAL_SERVER_ERROR;
+    }
 }
 
 void JSONDataCache::constructArrayResponse(const Poco::JSON::Object::Ptr& baseObj,
