@@ -306,7 +306,12 @@ protected:
         ASSERT_TRUE(worker.isCriticalQueueSizeReached());
     }
 
-    ~HttpRequestHandlerBaseTest() override { gateOpen.set(); }
+    ~HttpRequestHandlerBaseTest() override
+    {
+        // The gate message must be done before the events it waits on are destroyed.
+        gateOpen.set();
+        worker.stop();
+    }
 
     Orvi::DBData::ServiceMap services;
     Script script;
