@@ -792,3 +792,22 @@ TEST(SchemaLoader, LeavesTheMapUntouchedWhenALaterFileFails)
     sut.loadFile(DATA_DIR + "/lighting.json", services);
     EXPECT_EQ(elementOf(services, "lighting", "lamps").getDBID(), 2);
 }
+
+TEST(SchemaLoader, RefusesNullWhereAValueIsExpected)
+{
+    EXPECT_EQ(errorOf(R"({"name": null})"), "shop.json: name: must be a string");
+    EXPECT_EQ(errorOf(R"({"name": "shop", "port": null})"),
+              "shop.json: port: must be an integer between 0 and 65535");
+    EXPECT_EQ(errorOf(attributeWith(R"({"type": "string", "array": null})")),
+              "shop.json: resources.items.attributes.a.array: must be true or false");
+    EXPECT_EQ(
+        errorOf(accessWith(R"({"objects": {"post": null}})")),
+        "shop.json: resources.items.access.objects.post: must be true, false or an array of attribute names");
+    EXPECT_EQ(errorOf(R"(null)"), "shop.json: invalid JSON (Attempt to set value on an empty stack)");
+}
+
+TEST(SchemaLoader, RefusesTextAfterTheDefinition)
+{
+    EXPECT_EQ(errorOf(R"({"name": "shop"} {"name": "depot"})"),
+              "shop.json: invalid JSON (Excess characters found after JSON end.)");
+}
