@@ -162,7 +162,7 @@ TEST(SchemaLoader, LeavesOptionalServiceFieldsEmpty)
     EXPECT_TRUE(service.getPrivileges().empty());
 }
 
-TEST(SchemaLoader, KeepsTheDefinitionTextAsTheServiceSpec)
+TEST(SchemaLoader, KeepsTheDefinitionTextWithTheService)
 {
     const std::string text = resourceWith(R"("description": "Goods")");
 
@@ -171,7 +171,7 @@ TEST(SchemaLoader, KeepsTheDefinitionTextAsTheServiceSpec)
     EXPECT_EQ(sut.at("shop")->getSpec(), text);
 }
 
-TEST(SchemaLoader, KeepsTheResourcePartAsTheResourceSpec)
+TEST(SchemaLoader, KeepsTheResourcePartWithTheResource)
 {
     const std::string text =
         resourceWith(R"("description": "Goods", "attributes": {"a": {"type": "string"}})");

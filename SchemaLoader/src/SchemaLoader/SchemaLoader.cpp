@@ -339,9 +339,9 @@ Resource::Ptr ServiceBuilder::buildResource(Service& service, const std::string&
     {
         resource->setDescription(stringAt(object.get("description"), join(path, "description")));
     }
-    std::ostringstream spec;
-    Poco::JSON::Stringifier::stringify(value, spec);
-    resource->setSpec(spec.str());
+    std::ostringstream part;
+    Poco::JSON::Stringifier::stringify(value, part);
+    resource->setSpec(part.str());
 
     if (!object.has("element"))
     {
