@@ -525,6 +525,23 @@ TEST(SchemaLoader, RefusesAMissingFile)
     EXPECT_TRUE(services.empty());
 }
 
+TEST(SchemaLoader, RefusesADirectory)
+{
+    ServiceMap services;
+    SchemaLoader sut;
+
+    try
+    {
+        sut.loadFile(DATA_DIR, services);
+        FAIL() << "no error";
+    }
+    catch (const SchemaError& error)
+    {
+        EXPECT_EQ(error.message(), DATA_DIR + ": cannot be read");
+    }
+    EXPECT_TRUE(services.empty());
+}
+
 TEST(SchemaLoader, RefusesATruncatedFile)
 {
     ServiceMap services;

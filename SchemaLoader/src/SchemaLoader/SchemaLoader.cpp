@@ -13,6 +13,7 @@
 
 #include <Poco/Dynamic/Var.h>
 #include <Poco/Exception.h>
+#include <Poco/File.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/ParseHandler.h>
@@ -794,7 +795,8 @@ std::string SchemaLoader::readFile(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream content;
-    if (!file)
+    // A directory opens like a file but reads as nothing.
+    if (!file || !Poco::File(path).isFile())
     {
         throw SchemaError(path, "cannot be read");
     }
