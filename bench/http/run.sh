@@ -7,7 +7,8 @@
 # Settings from the environment:
 #   WRK_THREADS (2), WRK_CONNECTIONS (16), WRK_DURATION (10s), WRK_TIMEOUT (2s),
 #   BUILD_JOBS (2), SKIP_BUILD=1 to use the binaries as they are,
-#   STARTUP_TIMEOUT (120, seconds to wait for a server to answer).
+#   STARTUP_TIMEOUT (120, seconds to wait for a server to answer), EXAMPLE_LOG_LEVEL (warning),
+#   SERVICEDB_EXAMPLE (the example binary; default build/default/examples/servicedb-example).
 set -euo pipefail
 
 tracks="${1:-10000}"
@@ -30,7 +31,7 @@ node_prefix="$here/.node"
 json_server="$node_prefix/node_modules/.bin/json-server"
 build_dir="$root/build/bench-http"
 fixed_body_server="$build_dir/fixed-body-server"
-example="$root/build/default/examples/servicedb-example"
+example="${SERVICEDB_EXAMPLE:-$root/build/default/examples/servicedb-example}"
 work="$build_dir/last-run"
 
 pids=()
