@@ -193,7 +193,10 @@ peer_path[search]="/tracks?genre=rock"
 # 5. one fixed-body server per answer of ours, each with exactly that answer's bytes
 declare -A fixed
 for kind in "${kinds[@]}"; do
-    curl -sf -o "$work/body-$kind.json" "$ours${ours_path[$kind]}"
+    if ! curl -sf -o "$work/body-$kind.json" "$ours${ours_path[$kind]}"; then
+        echo "GET $ours${ours_path[$kind]} failed" >&2
+        exit 1
+    fi
     port="$(free_port)"
     start_server "fixed-body-$kind" "$fixed_body_server" "$port" "$work/body-$kind.json"
     fixed[$kind]="http://127.0.0.1:$port"
