@@ -1,0 +1,20 @@
+#include "ExampleHandlerFactory.h"
+
+#include "ExampleHandler.h"
+
+namespace Orvi::Example
+{
+
+ExampleHandlerFactory::ExampleHandlerFactory(Util::MessageSync& worker, JSONDataCache::JSONDataCache& cache)
+    : m_worker(worker)
+    , m_cache(cache)
+{
+}
+
+Poco::Net::HTTPRequestHandler*
+ExampleHandlerFactory::createRequestHandler(const Poco::Net::HTTPServerRequest&)
+{
+    return new ExampleHandler(m_worker, m_cache);
+}
+
+} // namespace Orvi::Example

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "JSONDataCache/JSONDataCache.h"
+#include "Message/MessageSync.h"
+
+#include <Poco/Net/HTTPRequestHandlerFactory.h>
+
+namespace Orvi::Example
+{
+
+/// Gives the server one ExampleHandler per exchange.
+class ExampleHandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
+{
+public:
+    ExampleHandlerFactory(Util::MessageSync& worker, JSONDataCache::JSONDataCache& cache);
+    /// Both must outlive the factory and its handlers.
+
+    Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest& request) override;
+
+private:
+    Util::MessageSync& m_worker;
+    JSONDataCache::JSONDataCache& m_cache;
+};
+
+} // namespace Orvi::Example

@@ -1,0 +1,100 @@
+#include "ExampleOptions.h"
+
+#include <Poco/Exception.h>
+#include <Poco/Logger.h>
+#include <Poco/NumberParser.h>
+
+#include <limits>
+
+namespace Orvi::Example
+{
+
+const std::string ExampleOptions::DEFAULT_LOG_LEVEL = "information";
+
+namespace
+{
+
+Poco::UInt64 numberAt(const std::string& option, const std::string& text, Poco::UInt64 maximum)
+{
+    Poco::UInt64 number = 0;
+    if (!Poco::NumberParser::tryParseUnsigned64(text, number) || number > maximum)
+    {
+        throw Poco::InvalidArgumentException(option + " needs a number from 0 to " + std::to_string(maximum) +
+                                             ", not \"" + text + "\"");
+    }
+    return number;
+}
+
+} // namespace
+
+ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
+                                     const std::vector<std::string>& defaultDefinitions)
+{
+    ExampleOptions options;
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+    {
+        const std::string& option = arguments[i];
+        if (option == "--help" || option == "-h")
+        {
+            options.help = true;
+            continue;
+        }
+        if (option != "--port" && option != "--definitions" && option != "--tracks" &&
+            option != "--log-level")
+        {
+            throw Poco::InvalidArgumentException("unknown option \"" + option + "\"");
+        }
+        if (i + 1 == arguments.size())
+        {
+            throw Poco::InvalidArgumentException(option + " needs a value");
+        }
+        const std::string& value = arguments[++i];
+        if (option == "--port")
+        {
+            options.port =
+                static_cast<Poco::UInt16>(numberAt(option, value, std::numeric_limits<Poco::UInt16>::max()));
+        }
+        else if (option == "--definitions")
+        {
+            options.definitions.push_back(value);
+        }
+        else if (option == "--tracks")
+        {
+            options.tracks =
+                static_cast<std::size_t>(numberAt(option, value, std::numeric_limits<Poco::UInt32>::max()));
+        }
+        else
+        {
+            try
+            {
+                Poco::Logger::parseLevel(value);
+            }
+            catch (const Poco::InvalidArgumentException&)
+            {
+                throw Poco::InvalidArgumentException(
+                    "--log-level needs one of fatal, critical, error, warning, "
+                    "notice, information, debug or trace, not \"" +
+                    value + "\"");
+            }
+            options.logLevel = value;
+        }
+    }
+    if (options.definitions.empty())
+    {
+        options.definitions = defaultDefinitions;
+    }
+    return options;
+}
+
+std::string ExampleOptions::usage()
+{
+    return "usage: servicedb-example [--port N] [--definitions FILE]... [--tracks N] [--log-level LEVEL]\n"
+           "  --port N            port to listen on at 127.0.0.1 (default 8080, 0 picks a free one)\n"
+           "  --definitions FILE  service definition file, repeatable (default: the bundled cabin and "
+           "audio)\n"
+           "  --tracks N          number of generated tracks (default 1000)\n"
+           "  --log-level LEVEL   fatal, critical, error, warning, notice, information, debug or trace\n"
+           "                      (default information)\n";
+}
+
+} // namespace Orvi::Example

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <Poco/Types.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Orvi::Example
+{
+
+/// The command line of the example: --port N, --definitions FILE (repeatable), --tracks N,
+/// --log-level LEVEL and --help.
+class ExampleOptions
+{
+public:
+    static constexpr Poco::UInt16 DEFAULT_PORT = 8080;
+    static constexpr std::size_t DEFAULT_TRACKS = 1000;
+    static const std::string DEFAULT_LOG_LEVEL;
+    /// "information"
+
+    static ExampleOptions parse(const std::vector<std::string>& arguments,
+                                const std::vector<std::string>& defaultDefinitions);
+    /// Reads the arguments after the program name; the default definitions apply when no --definitions
+    /// is given. Raises Poco::InvalidArgumentException naming the faulty argument.
+
+    static std::string usage();
+    /// The help text.
+
+    Poco::UInt16 port = DEFAULT_PORT;
+    /// 0 lets the system pick a free port.
+    std::vector<std::string> definitions;
+    std::size_t tracks = DEFAULT_TRACKS;
+    std::string logLevel = DEFAULT_LOG_LEVEL;
+    bool help = false;
+};
+
+} // namespace Orvi::Example
