@@ -4,6 +4,7 @@
 #include <Poco/Nullable.h>
 #include <Poco/RegularExpression.h>
 
+#include <memory>
 #include <string>
 
 namespace Orvi::DBData::Index
@@ -41,7 +42,9 @@ private:
     const std::string& text() const;
     /// The text by which values sort and compare, computed once.
 
-    mutable Poco::Nullable<std::string> sortText;
+    // Shared by the copies of a key, so that the two copies an index keeps cost one text; empty until
+    // first needed, and never needed for a value that is text itself.
+    mutable std::shared_ptr<const std::string> sortText;
 };
 
 } // namespace Orvi::DBData::Index

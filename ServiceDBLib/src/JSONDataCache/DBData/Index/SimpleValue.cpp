@@ -20,11 +20,11 @@ const std::string& SimpleValue::text() const
     {
         return value.extract<std::string>();
     }
-    if (sortText.isNull())
+    if (!sortText)
     {
-        sortText = value.convert<std::string>();
+        sortText = std::make_shared<const std::string>(value.convert<std::string>());
     }
-    return sortText.value();
+    return *sortText;
 }
 
 bool SimpleValue::match(const Poco::RegularExpression& regex) const
