@@ -1,0 +1,11 @@
+#include "IMappingServiceManager.h"
+
+namespace Orvi::Mapping
+{
+
+IOrviServiceGeneral* IMappingServiceManager::getOrviServiceGeneral()
+{
+    return nullptr;
+}
+
+} // namespace Orvi::Mapping
