@@ -11,6 +11,9 @@
 namespace Orvi::DBData
 {
 
+using XObjectId = DbId;
+/// The id of a stored object.
+
 /// One stored object: an instance of an element, holding one value per attribute in the order in
 /// which the values were added. Null entries in the list of values are skipped by every traversal.
 class XObject : public XObjectBase
