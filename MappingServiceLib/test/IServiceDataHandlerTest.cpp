@@ -1,5 +1,7 @@
 #include "IServiceDataHandler.h"
 
+#include "Data/GenericObject.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -44,19 +46,13 @@ public:
     }
 };
 
-// The defaults never look at the object, so any storage can stand for it.
-const XObject& unusedObject()
-{
-    alignas(std::max_align_t) static unsigned char storage[64] = {};
-    return *reinterpret_cast<const XObject*>(storage);
-}
-
 TEST(IServiceDataHandler, AcceptsEveryChangeForTheMapperCacheByDefault)
 {
     MinimalDataHandler sut;
+    const Orvi::Data::XObjectGeneric seat("seat", Poco::UUID(), Poco::URI(), 4);
     AttributeMapPtr values = new Orvi::Data::AttributeMap;
 
-    const bool added = sut.addToMapperCache("cabin", unusedObject(), values);
+    const bool added = sut.addToMapperCache("cabin", seat, values);
 
     EXPECT_TRUE(added);
     EXPECT_TRUE(values->empty());
@@ -65,8 +61,9 @@ TEST(IServiceDataHandler, AcceptsEveryChangeForTheMapperCacheByDefault)
 TEST(IServiceDataHandler, AcceptsANullValueMapForTheMapperCacheByDefault)
 {
     MinimalDataHandler sut;
+    const Orvi::Data::XObjectGeneric seat("seat", Poco::UUID(), Poco::URI(), 4);
 
-    const bool added = sut.addToMapperCache("cabin", unusedObject(), AttributeMapPtr());
+    const bool added = sut.addToMapperCache("cabin", seat, AttributeMapPtr());
 
     EXPECT_TRUE(added);
 }
