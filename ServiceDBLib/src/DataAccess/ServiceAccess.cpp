@@ -1,0 +1,98 @@
+#include "DataAccess/ServiceAccess.h"
+
+#include "Data/AttributeValueArray.h"
+#include "Data/AttributeValueStringable.h"
+#include "Data/GenericObject.h"
+#include "Data/XObjectBase.h"
+#include "DataAccess/ResourceAccess.h"
+#include "JSONDataCache/DBData/Resource.h"
+
+#include <Poco/Exception.h>
+
+#include <string>
+#include <vector>
+
+namespace Orvi::Service::DataAccess
+{
+
+namespace
+{
+
+const std::string INVALID_SERVICE_POINTER = "Invalid service pointer";
+
+Data::AttributeValueStringArray toStringArray(const DBData::Service::StringList& list)
+{
+    Data::AttributeValueStringArray result;
+    for (const Poco::SharedPtr<std::string>& entry : list)
+    {
+        if (!entry.isNull())
+        {
+            result.addElement(Data::AttributeValueString(*entry));
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+ServiceAccess::ServiceAccess(const DBData::Service::Ptr& base, JSONDataCache::JSONDataCache& cache)
+    : m_base(base)
+    , m_cache(cache)
+{
+    if (m_base.isNull())
+    {
+        throw Poco::NullPointerException(INVALID_SERVICE_POINTER);
+    }
+    // MicroServiceInfo offers no constructor with an id; the id alone is taken over from a carrier.
+    Data::XObjectBase::operator=(Data::XObjectGeneric(m_base->getDBID()));
+    initAttributes();
+}
+
+ServiceAccess::~ServiceAccess() = default;
+
+std::string ServiceAccess::getSpecification() const
+{
+    return row().getSpec();
+}
+
+std::vector<Poco::SharedPtr<Data::ResourceBase>> ServiceAccess::getResources() const
+{
+    const DBData::Service& service = row();
+    if (m_resources.empty())
+    {
+        // Filled aside, so that a resource that cannot be shown leaves no half list behind.
+        std::vector<Poco::SharedPtr<Data::ResourceBase>> resources;
+        resources.reserve(service.getResources().size());
+        for (const auto& entry : service.getResources())
+        {
+            if (!entry.second.isNull())
+            {
+                resources.emplace_back(new ResourceAccess(entry.second, service.getName(), m_cache));
+            }
+        }
+        m_resources.swap(resources);
+    }
+    return m_resources;
+}
+
+void ServiceAccess::initAttributes()
+{
+    setName(m_base->getName());
+    updateServiceId(m_base->getId().get());
+    setPort(m_base->getPort());
+    setDescription(m_base->getDescription());
+    setPrivileges(toStringArray(m_base->getPrivileges()));
+    setVersions(toStringArray(m_base->getVersions()));
+    setServiceCategories(toStringArray(m_base->getServiceCategories()));
+}
+
+const DBData::Service& ServiceAccess::row() const
+{
+    if (m_base.isNull())
+    {
+        throw Poco::NullPointerException(INVALID_SERVICE_POINTER);
+    }
+    return *m_base;
+}
+
+} // namespace Orvi::Service::DataAccess
