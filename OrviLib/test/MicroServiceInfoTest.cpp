@@ -61,6 +61,15 @@ TEST(MicroServiceInfo, StoresWhatItIsConstructedWith)
     EXPECT_EQ(sut.size(), 5U);
 }
 
+TEST(MicroServiceInfo, StartsEmptyWithTheIdOfItsServiceRow)
+{
+    const MicroServiceInfo sut(12);
+
+    EXPECT_EQ(sut.id(), 12);
+    EXPECT_EQ(sut.size(), 0U);
+    EXPECT_EQ(sut.getPort(), 0U);
+}
+
 TEST(MicroServiceInfo, RaisesDataExceptionWhenTheURIDoesNotHoldTheUUID)
 {
     try

@@ -20,8 +20,8 @@ namespace Orvi
 class MicroServiceInfo : public Data::GenericObject<Data::ServiceBase>
 {
 public:
-    MicroServiceInfo();
-    /// An info without any entry.
+    explicit MicroServiceInfo(Data::XObjectId id = -1);
+    /// An info without any entry, for the service row of the given id.
 
     MicroServiceInfo(const Poco::UUID& uuid, const Poco::URI& uri, const std::string& name, unsigned int port,
                      const std::string& description);

@@ -6,7 +6,10 @@
 namespace Orvi
 {
 
-MicroServiceInfo::MicroServiceInfo() = default;
+MicroServiceInfo::MicroServiceInfo(Data::XObjectId id)
+    : Data::GenericObject<Data::ServiceBase>(id)
+{
+}
 
 MicroServiceInfo::MicroServiceInfo(const Poco::UUID& uuid, const Poco::URI& uri, const std::string& name,
                                    unsigned int port, const std::string& description)

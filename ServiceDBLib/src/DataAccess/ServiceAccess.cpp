@@ -2,8 +2,6 @@
 
 #include "Data/AttributeValueArray.h"
 #include "Data/AttributeValueStringable.h"
-#include "Data/GenericObject.h"
-#include "Data/XObjectBase.h"
 #include "DataAccess/ResourceAccess.h"
 #include "JSONDataCache/DBData/Resource.h"
 
@@ -36,15 +34,14 @@ Data::AttributeValueStringArray toStringArray(const DBData::Service::StringList&
 } // namespace
 
 ServiceAccess::ServiceAccess(const DBData::Service::Ptr& base, JSONDataCache::JSONDataCache& cache)
-    : m_base(base)
+    : MicroServiceInfo(base.isNull() ? -1 : base->getDBID())
+    , m_base(base)
     , m_cache(cache)
 {
     if (m_base.isNull())
     {
         throw Poco::NullPointerException(INVALID_SERVICE_POINTER);
     }
-    // MicroServiceInfo offers no constructor with an id; the id alone is taken over from a carrier.
-    Data::XObjectBase::operator=(Data::XObjectGeneric(m_base->getDBID()));
     initAttributes();
 }
 
