@@ -6,7 +6,7 @@ namespace Orvi::DataLayer
 /// Where a JSON object that enters an object comes from.
 struct JSONProcessingContext
 {
-    enum Enum
+    enum Enum : int
     {
         InputContext_POST_On_Element = 0,
         /// A user's POST addressed at one existing object.
