@@ -50,6 +50,12 @@ std::string attributeWith(const std::string& definition)
     return resourceWith(R"("attributes": {"a": )" + definition + "}");
 }
 
+/// The same with one attribute of the given name and definition.
+std::string namedAttributeWith(const std::string& name, const std::string& definition)
+{
+    return resourceWith(R"("attributes": {")" + name + R"(": )" + definition + "}");
+}
+
 /// The same with the attributes a, b and c (strings) and the given access rules.
 std::string accessWith(const std::string& access)
 {
@@ -88,6 +94,16 @@ const Element& elementOf(const ServiceMap& services, const std::string& service,
 const Attribute& attributeA(const ServiceMap& services)
 {
     return *elementOf(services, "shop", "items").getAttributes().at("a");
+}
+
+std::vector<std::string> namesOf(const AttributeMap& attributes)
+{
+    std::vector<std::string> result;
+    for (const auto& attribute : attributes)
+    {
+        result.push_back(attribute.first);
+    }
+    return result;
 }
 
 std::vector<std::string> texts(const Service::StringList& list)
@@ -193,7 +209,8 @@ TEST(SchemaLoader, LoadsTheResourceRowAndItsElement)
     ASSERT_FALSE(resource.getElement().isNull());
     EXPECT_EQ(resource.getElement()->getName(), "item");
     EXPECT_EQ(&resource.getElement()->getResource(), &resource);
-    EXPECT_TRUE(resource.getElement()->getAttributes().empty());
+    EXPECT_EQ(namesOf(resource.getElement()->getAttributes()),
+              (std::vector<std::string>{"id", "name", "uri"}));
     EXPECT_TRUE(resource.getEndpoints().empty());
     EXPECT_TRUE(resource.getElement()->getEndpoints().empty());
 }
@@ -205,7 +222,7 @@ TEST(SchemaLoader, GivesEachAttributeTypeItsModelType)
         "u": {"type": "unsigned"}, "n": {"type": "number"}, "b": {"type": "boolean"}, "r": {"type": "reference"}})"));
 
     const AttributeMap& attributes = elementOf(sut, "shop", "items").getAttributes();
-    ASSERT_EQ(attributes.size(), 6U);
+    ASSERT_EQ(attributes.size(), 9U);
     EXPECT_EQ(attributes.at("s")->getType(), AttrType_String);
     EXPECT_EQ(attributes.at("i")->getType(), AttrType_Integer);
     EXPECT_EQ(attributes.at("u")->getType(), AttrType_IntegerUnsigned);
@@ -325,6 +342,77 @@ TEST(SchemaLoader, AcceptsAnAttributeDescription)
     EXPECT_EQ(attributeA(sut).getType(), AttrType_Boolean);
 }
 
+TEST(SchemaLoader, AddsTheDefaultAttributesToAnElementThatDeclaresNone)
+{
+    const ServiceMap sut = load(attributeWith(R"({"type": "integer"})"));
+
+    const AttributeMap& attributes = elementOf(sut, "shop", "items").getAttributes();
+    EXPECT_EQ(namesOf(attributes), (std::vector<std::string>{"a", "id", "name", "uri"}));
+    for (const char* name : {"id", "name", "uri"})
+    {
+        const Attribute& attribute = *attributes.at(name);
+        EXPECT_EQ(attribute.getName(), name);
+        EXPECT_EQ(attribute.getType(), AttrType_String) << name;
+        EXPECT_FALSE(attribute.isArray()) << name;
+        EXPECT_TRUE(attribute.getConstraints().empty()) << name;
+    }
+}
+
+TEST(SchemaLoader, AcceptsADefaultAttributeDeclaredAsAPlainString)
+{
+    const ServiceMap sut = load(resourceWith(R"("attributes": {"id": {"type": "string"},
+        "name": {"type": "string", "array": false, "description": "Shown to the driver"}})"));
+
+    const AttributeMap& attributes = elementOf(sut, "shop", "items").getAttributes();
+    EXPECT_EQ(namesOf(attributes), (std::vector<std::string>{"id", "name", "uri"}));
+    for (const auto& attribute : attributes)
+    {
+        EXPECT_EQ(attribute.second->getType(), AttrType_String) << attribute.first;
+        EXPECT_FALSE(attribute.second->isArray()) << attribute.first;
+        EXPECT_TRUE(attribute.second->getConstraints().empty()) << attribute.first;
+    }
+}
+
+TEST(SchemaLoader, LetsAccessRulesNameDefaultAttributesThatAreNotDeclared)
+{
+    const ServiceMap sut =
+        load(resourceWith(R"("access": {"objects": {"post": ["name"], "delete": ["name"]}})"));
+
+    EXPECT_EQ(describe(elementOf(sut, "shop", "items").getEndpoints()), "name:-pd-");
+}
+
+TEST(SchemaLoader, RefusesADefaultAttributeOfAnotherType)
+{
+    EXPECT_THROW(load(namedAttributeWith("id", R"({"type": "integer"})")), SchemaError);
+    EXPECT_EQ(errorOf(namedAttributeWith("id", R"({"type": "integer"})")),
+              "shop.json: resources.items.attributes.id.type: a default attribute must be of type string");
+    EXPECT_EQ(errorOf(namedAttributeWith("name", R"({"type": "boolean"})")),
+              "shop.json: resources.items.attributes.name.type: a default attribute must be of type string");
+    EXPECT_EQ(errorOf(namedAttributeWith("uri", R"({"type": "reference"})")),
+              "shop.json: resources.items.attributes.uri.type: a default attribute must be of type string");
+}
+
+TEST(SchemaLoader, RefusesADefaultAttributeDeclaredAsAnArray)
+{
+    EXPECT_THROW(load(namedAttributeWith("name", R"({"type": "string", "array": true})")), SchemaError);
+    EXPECT_EQ(errorOf(namedAttributeWith("name", R"({"type": "string", "array": true})")),
+              "shop.json: resources.items.attributes.name.array: a default attribute cannot be an array");
+}
+
+TEST(SchemaLoader, RefusesADefaultAttributeWithAConstraint)
+{
+    EXPECT_THROW(load(namedAttributeWith("uri", R"({"type": "string", "format": "/.*"})")), SchemaError);
+    EXPECT_EQ(
+        errorOf(namedAttributeWith("uri", R"({"type": "string", "format": "/.*"})")),
+        "shop.json: resources.items.attributes.uri.format: a default attribute cannot have a constraint");
+    EXPECT_EQ(
+        errorOf(namedAttributeWith("name", R"({"type": "string", "enum": ["Driver"]})")),
+        "shop.json: resources.items.attributes.name.enum: a default attribute cannot have a constraint");
+    EXPECT_EQ(
+        errorOf(namedAttributeWith("id", R"({"type": "string", "minimum": 1})")),
+        "shop.json: resources.items.attributes.id.minimum: a default attribute cannot have a constraint");
+}
+
 TEST(SchemaLoader, BuildsGlobalRulesForTheResource)
 {
     const ServiceMap sut = load(accessWith(R"({"resource": {"get": true, "post": true, "delete": true}})"));
@@ -432,7 +520,7 @@ TEST(SchemaLoader, LoadsAFileWrittenByHand)
     EXPECT_EQ(service.getSpec(), readText(DATA_DIR + "/lighting.json"));
     const Element& lamp = elementOf(services, "lighting", "lamps");
     EXPECT_EQ(lamp.getName(), "lamp");
-    EXPECT_EQ(lamp.getAttributes().size(), 4U);
+    EXPECT_EQ(lamp.getAttributes().size(), 7U);
     EXPECT_EQ(rangeOf(*lamp.getAttributes().at("brightness")), "0..1/0.05");
     EXPECT_EQ(describe(lamp.getEndpoints()), "*:g--- colour:-p-- brightness:-p-- mode:-p--");
     EXPECT_TRUE(services.at("lighting")->getResource("lamps")->getEndpoints().empty());

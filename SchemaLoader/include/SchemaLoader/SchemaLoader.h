@@ -12,7 +12,8 @@ namespace Orvi::Loader
 /// described in docs/service-definition.md). Every load is all or nothing: the services are built
 /// aside and added to the map only when every given definition is valid, so a failed load leaves the
 /// map as it was. Each element gets a table id above every element id already in the map, and each
-/// service and resource a random UUID unless its definition gives one.
+/// service and resource a random UUID unless its definition gives one. Every element has the string
+/// attributes "id", "name" and "uri", whether its definition declares them or not.
 class SchemaLoader
 {
 public:

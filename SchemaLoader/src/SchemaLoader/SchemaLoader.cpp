@@ -366,6 +366,14 @@ Resource::Ptr ServiceBuilder::buildResource(Service& service, const std::string&
                                buildAttribute(entry.first, entry.second, join(attributesPath, entry.first)));
         }
     }
+    // Every object has these; a definition need not declare them.
+    for (const char* defaultName : {"id", "name", "uri"})
+    {
+        if (attributes.count(defaultName) == 0)
+        {
+            attributes.emplace(defaultName, new Attribute(defaultName, AttrType_String, false));
+        }
+    }
     element->setAttributes(std::move(attributes));
 
     if (object.has("access"))
@@ -417,6 +425,25 @@ Attribute::Ptr ServiceBuilder::buildAttribute(const std::string& name, const Var
     {
         // The model keeps no attribute description; it is checked so that a wrong value does not pass.
         stringAt(object.get("description"), join(path, "description"));
+    }
+    if (Attribute::isDefaultAttribute(name))
+    {
+        // The cache fills these itself as plain strings; any other shape would contradict its values.
+        if (type->second != AttrType_String)
+        {
+            fail(join(path, "type"), "a default attribute must be of type string");
+        }
+        if (array)
+        {
+            fail(join(path, "array"), "a default attribute cannot be an array");
+        }
+        for (const char* key : {"enum", "format", "minimum", "maximum", "resolution", "targets"})
+        {
+            if (object.has(key))
+            {
+                fail(join(path, key), "a default attribute cannot have a constraint");
+            }
+        }
     }
 
     Attribute::Ptr attribute = new Attribute(name, type->second, array);
