@@ -7,9 +7,11 @@
 #include "DataLayer/JSONProcessingContext.h"
 #include "DataLayer/JSONProcessingData.h"
 #include "IServiceDataHandler.h"
+#include "JSONDataCache/DBData/Element.h"
 #include "JSONDataCache/DBData/Endpoint.h"
 #include "JSONDataCache/DBData/Service.h"
 #include "JSONDataCache/DBData/XObject.h"
+#include "JSONDataCache/InitialCacheData.h"
 #include "JSONDataCache/JSONDataCache.h"
 #include "MappingTypes.h"
 #include "OperationResult.h"
@@ -30,6 +32,9 @@ class MappingServiceJSONDataCache : public ::Orvi::JSONDataCache::JSONDataCache,
                                     public DataLayer::JSONInputProcessor
 {
 public:
+    static const std::string jsonDataOk;
+    /// "{ "status" : "ok" }", the body of a successful POST or DELETE.
+
     MappingServiceJSONDataCache(DBData::ServiceMap& serviceCache, IServiceDataHandler* dataHandler);
     /// The handler is borrowed and may be null; then nothing reaches the other side of the vehicle.
 
@@ -59,6 +64,28 @@ public:
                                            Command::HttpResponse& out_response);
     /// Answers a GET after the version and the access rules of a resource were checked. A version that
     /// does not match is answered 200 with a text, so that old clients can tell it from a fault.
+
+    virtual Command::HTTPStatus updatePOSTCache(const Command::HttpRequest& httpRequest,
+                                                Command::HttpResponse& out_response);
+    /// Changes the addressed object, creates an object on a resource, or changes every object that the
+    /// query selects. Changes go to the data handler; only a new object is stored here at once.
+
+    virtual Command::HTTPStatus updateDELETECache(const Command::HttpRequest& httpRequest,
+                                                  Command::HttpResponse& out_response);
+    /// Deletes the addressed object, the attributes named by "$fields" of it, or the objects of a
+    /// resource listed by "id=a,b". The handler is asked first; the store is changed here if it agrees.
+
+    Command::HTTPStatus updateDELETECacheInternal(const std::string& servicename,
+                                                  const std::string& resourcename,
+                                                  const std::string& elementId,
+                                                  const std::vector<std::string>& fieldsToDelete);
+    /// Without names the whole object. 202 when the handler takes the deletion upon itself.
+
+    Command::HTTPStatus updatePOSTCacheBatch(const std::string& servicename, const std::string& resourcename,
+                                             const Poco::JSON::Object::Ptr& obj,
+                                             std::vector<DBData::XObject::Ptr>& xobjects);
+    /// Hands the same JSON object to the handler for each object: first all into its mapper cache, then
+    /// one by one for decision. 200 when all were done, 202 when one was only accepted, else the failure.
 
     OperationResult::Enum selectXObjectWithConstraints(const std::string& servicename,
                                                        const std::string& resourcename, XObjectId id,
@@ -160,6 +187,34 @@ protected:
 
     IServiceDataHandler* m_dataHandler;
     /// Not owned; may be null.
+
+private:
+    Command::HTTPStatus postOnObject(const std::string& servicename, const std::string& resourcename,
+                                     const std::string& uuid, const DBData::Element::Ptr& element,
+                                     const Poco::JSON::Object::Ptr& json,
+                                     Command::HttpResponse& out_response);
+    /// The object must exist: an unknown one is 403, not 404.
+
+    Command::HTTPStatus postNewObject(const std::string& servicename, const std::string& resourcename,
+                                      const ::Orvi::JSONDataCache::InitialCacheData& initialData,
+                                      const Poco::JSON::Object::Ptr& json,
+                                      Command::HttpResponse& out_response);
+    /// Stores first and asks the handler afterwards; a refused object is removed again.
+
+    Command::HTTPStatus postOnQuery(const Command::HttpRequest& httpRequest, const std::string& servicename,
+                                    const std::string& resourcename, const Poco::JSON::Object::Ptr& json,
+                                    Command::HttpResponse& out_response);
+    /// On failure every selected object is posted back as it was read, so that the handler can undo.
+
+    Command::HTTPStatus deleteOnResource(const Command::HttpRequest& httpRequest,
+                                         const ::Orvi::JSONDataCache::InitialCacheData& initialData,
+                                         Command::HttpResponse& out_response);
+    /// Every listed id is tried; the first success wins unless one was only accepted.
+
+    Command::HTTPStatus deleteOnObject(const Command::HttpRequest& httpRequest,
+                                       const ::Orvi::JSONDataCache::InitialCacheData& initialData,
+                                       Command::HttpResponse& out_response);
+    /// The whole object, or the attributes named by "$fields"; default attributes cannot be deleted.
 };
 
 } // namespace Orvi::Mapping
