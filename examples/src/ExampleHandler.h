@@ -1,17 +1,17 @@
 #pragma once
 
 #include "HttpRequestHandlerBase.h"
-#include "JSONDataCache/JSONDataCache.h"
+#include "Mapping/MappingServiceJSONDataCache.h"
 
 namespace Orvi::Example
 {
 
-/// Answers GET and HEAD from the cache, on the port the request came in on, once the service version
-/// that the client accepts matches; POST and DELETE are not supported yet (405).
+/// Hands every request to the mapped cache: GET and HEAD are answered from the store, POST and DELETE
+/// pass the access rules and the data handler before anything changes.
 class ExampleHandler : public HttpRequestHandlerBase
 {
 public:
-    ExampleHandler(Util::MessageSync& worker, JSONDataCache::JSONDataCache& cache);
+    ExampleHandler(Util::MessageSync& worker, Mapping::MappingServiceJSONDataCache& cache);
     /// Both must outlive the handler.
 
 protected:
@@ -32,7 +32,7 @@ protected:
                          const Poco::URI& uri, const std::vector<std::string>& pathSegments) override;
 
 private:
-    JSONDataCache::JSONDataCache& m_cache;
+    Mapping::MappingServiceJSONDataCache& m_cache;
 };
 
 } // namespace Orvi::Example

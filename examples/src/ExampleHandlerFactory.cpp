@@ -5,7 +5,8 @@
 namespace Orvi::Example
 {
 
-ExampleHandlerFactory::ExampleHandlerFactory(Util::MessageSync& worker, JSONDataCache::JSONDataCache& cache)
+ExampleHandlerFactory::ExampleHandlerFactory(Util::MessageSync& worker,
+                                             Mapping::MappingServiceJSONDataCache& cache)
     : m_worker(worker)
     , m_cache(cache)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "JSONDataCache/JSONDataCache.h"
+#include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
 
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
@@ -12,14 +12,14 @@ namespace Orvi::Example
 class ExampleHandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
 {
 public:
-    ExampleHandlerFactory(Util::MessageSync& worker, JSONDataCache::JSONDataCache& cache);
+    ExampleHandlerFactory(Util::MessageSync& worker, Mapping::MappingServiceJSONDataCache& cache);
     /// Both must outlive the factory and its handlers.
 
     Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest& request) override;
 
 private:
     Util::MessageSync& m_worker;
-    JSONDataCache::JSONDataCache& m_cache;
+    Mapping::MappingServiceJSONDataCache& m_cache;
 };
 
 } // namespace Orvi::Example

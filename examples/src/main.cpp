@@ -1,8 +1,10 @@
+#include "ExampleDataHandler.h"
 #include "ExampleHandlerFactory.h"
 #include "ExampleOptions.h"
 #include "JSONDataCache/JSONDataCache.h"
 #include "Logging/Log.h"
 #include "Logging/LogStream.h"
+#include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
 #include "SampleData.h"
 #include "SchemaLoader/SchemaLoader.h"
@@ -82,10 +84,12 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
         entry.second->setPort(port);
     }
 
-    Orvi::JSONDataCache::JSONDataCache cache(services);
-    fillSampleData(cache, services, options.tracks);
-
+    // The handler comes first: the cache is built on it, and it delivers values back into the cache.
     Orvi::Util::MessageSync worker(CRITICAL_QUEUE_SIZE);
+    Orvi::Example::ExampleDataHandler dataHandler(worker);
+    Orvi::Mapping::MappingServiceJSONDataCache cache(services, &dataHandler);
+    dataHandler.attach(cache);
+    fillSampleData(cache, services, options.tracks);
     worker.start();
 
     Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Mapping/MappingServiceJSONDataCache.h"
+#include "Message/DataMessageBase.h"
+
+#include <Poco/JSON/Object.h>
+
+#include <string>
+
+namespace Orvi::Example
+{
+
+/// A worker message that writes values into one object through the IPC context, as a vehicle
+/// controller confirms a change it was asked for. It holds copies only, so that nothing of the
+/// request it came from has to live on.
+class ControllerConfirmation : public Util::DataMessageBase
+{
+public:
+    ControllerConfirmation(Mapping::MappingServiceJSONDataCache& cache, const std::string& service,
+                           const std::string& resource, const std::string& uuid,
+                           Poco::JSON::Object::Ptr values);
+    /// The cache must outlive the message.
+
+    void processData() override;
+    /// Logs "Info: Controller confirmed /service/resource/uuid" or, when the store refuses the values,
+    /// "Warning: Controller could not apply /service/resource/uuid".
+
+protected:
+    ~ControllerConfirmation() override;
+
+private:
+    Mapping::MappingServiceJSONDataCache& m_cache;
+    const std::string m_service;
+    const std::string m_resource;
+    const std::string m_uuid;
+    const Poco::JSON::Object::Ptr m_values;
+};
+
+} // namespace Orvi::Example
