@@ -1,5 +1,7 @@
 #include "Http/HTTPEncoderDecoder.h"
 
+#include "Http/BodyTooLargeException.h"
+
 #include <Poco/DeflatingStream.h>
 #include <Poco/Exception.h>
 #include <Poco/InflatingStream.h>
@@ -227,6 +229,46 @@ TEST(HTTPEncoderDecoder, DecodesAGzipEncodedBody)
 
     EXPECT_TRUE(sut.isDecodingRequest());
     EXPECT_EQ(decoded, BODY);
+}
+
+TEST(HTTPEncoderDecoder, ReadsABodyOfExactlyTheLimit)
+{
+    const Poco::Net::HTTPRequest request = requestEncodedAs("gzip");
+    Poco::Net::HTTPResponse response;
+    HTTPEncoderDecoder sut(request, response);
+    std::istringstream body(compress(BODY, Poco::DeflatingStreamBuf::STREAM_GZIP));
+
+    const std::string decoded = sut.readBody(body, BODY.size());
+
+    EXPECT_EQ(decoded, BODY);
+}
+
+TEST(HTTPEncoderDecoder, RaisesBodyTooLargeForABodyThatDecodesBeyondTheLimit)
+{
+    const Poco::Net::HTTPRequest request = requestEncodedAs("gzip");
+    Poco::Net::HTTPResponse response;
+    HTTPEncoderDecoder sut(request, response);
+    std::istringstream body(compress(std::string(20000, 'x'), Poco::DeflatingStreamBuf::STREAM_GZIP));
+
+    try
+    {
+        sut.readBody(body, 19999);
+        FAIL() << "no exception";
+    }
+    catch (const Orvi::Net::BodyTooLargeException& e)
+    {
+        EXPECT_EQ(e.displayText(), "Request body too large: more than 19999 bytes");
+    }
+}
+
+TEST(HTTPEncoderDecoder, RaisesBodyTooLargeForAPlainBodyBeyondTheLimit)
+{
+    const Poco::Net::HTTPRequest request;
+    Poco::Net::HTTPResponse response;
+    HTTPEncoderDecoder sut(request, response);
+    std::istringstream body("12345");
+
+    EXPECT_THROW(sut.readBody(body, 4), Orvi::Net::BodyTooLargeException);
 }
 
 TEST(HTTPEncoderDecoder, DecodesADeflateEncodedBody)

@@ -12,6 +12,7 @@
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/URI.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,14 @@ public:
     /// The queue must outlive the handler.
 
     ~HttpRequestHandlerBase() override;
+
+    static constexpr std::size_t DEFAULT_MAX_BODY_SIZE = 1024 * 1024;
+    /// The largest request body accepted unless setMaxBodySize says otherwise: 1 MB.
+
+    void setMaxBodySize(std::size_t maxBodySize) { m_maxBodySize = maxBodySize; }
+    /// A larger body, as announced or once decoded, is answered 400 before it is parsed.
+
+    std::size_t getMaxBodySize() const { return m_maxBodySize; }
 
     void handleRequest(Poco::Net::HTTPServerRequest& request,
                        Poco::Net::HTTPServerResponse& response) override;
@@ -75,6 +84,7 @@ private:
 
     Net::CorsRequestHandler m_corsHandler;
     Util::MessageSync& m_messageSync;
+    std::size_t m_maxBodySize = DEFAULT_MAX_BODY_SIZE;
 };
 
 } // namespace Orvi

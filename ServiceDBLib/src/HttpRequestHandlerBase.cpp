@@ -1,6 +1,7 @@
 #include "HttpRequestHandlerBase.h"
 
 #include "DataMessages/RSIDataMessage.h"
+#include "Http/BodyTooLargeException.h"
 #include "Http/HTTPCacheHandler.h"
 #include "Logging/LogStream.h"
 #include "Net/OrviHttpCacheHandler.h"
@@ -24,6 +25,7 @@ namespace
 
 const std::string MSG_QUEUE_OVERFLOW = "message data queue overflow";
 const std::string MSG_WRONG_URI_SYNTAX = "wrong URI syntax";
+const std::string MSG_BODY_TOO_LARGE = "request body too large";
 
 const std::vector<std::string>& allowedMethods()
 {
@@ -115,7 +117,16 @@ void HttpRequestHandlerBase::processRequestSync(Poco::Net::HTTPServerRequest& re
     Poco::SharedPtr<Command::HttpRequest> requestWithBody;
     try
     {
-        requestWithBody = new Command::HttpRequest(request, coder);
+        requestWithBody = new Command::HttpRequest(request, coder, m_maxBodySize);
+    }
+    catch (const Net::BodyTooLargeException& exception)
+    {
+        // What is left of the body would be read as the next request: the connection ends here.
+        response.setKeepAlive(false);
+        Command::HttpResponse::createError(HTTPResponse::HTTP_BAD_REQUEST, MSG_BODY_TOO_LARGE)
+            .send(response, coder, false);
+        LOG_WARNING("Request body too large (" << request.getURI() << "): " << exception.message());
+        return;
     }
     catch (const Poco::URISyntaxException&)
     {

@@ -57,6 +57,7 @@ struct Script
     Processor post = [](const HttpRequest&, HttpResponse&) { return HTTPResponse::HTTP_CREATED; };
     Processor del = [](const HttpRequest&, HttpResponse&) { return HTTPResponse::HTTP_OK; };
     std::atomic<int> calls{0};
+    std::size_t maxBodySize = Orvi::HttpRequestHandlerBase::DEFAULT_MAX_BODY_SIZE;
 };
 
 /// A microservice's handler: GET and HEAD read the catalogue on the port the request came in on,
@@ -70,6 +71,7 @@ public:
         , m_cache(cache)
         , m_script(script)
     {
+        setMaxBodySize(script.maxBodySize);
     }
 
     using Orvi::HttpRequestHandlerBase::processRequestSync;
@@ -566,6 +568,73 @@ TEST_F(HttpRequestHandlerBaseTest, DecodesAGzipEncodedRequestBodyForPost)
 
     EXPECT_EQ(answer.status, 201);
     EXPECT_EQ(received, "{\"value\":88}");
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AcceptsOneMegabyteOfBodyByDefault)
+{
+    const CatalogueHandler sut(worker, cache, script);
+
+    EXPECT_EQ(sut.getMaxBodySize(), 1048576U);
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AcceptsABodyOfExactlyTheLimit)
+{
+    script.maxBodySize = 12;
+    std::string received;
+    script.post = [&received](const HttpRequest& request, HttpResponse&)
+    {
+        received = request.getMessage();
+        return HTTPResponse::HTTP_OK;
+    };
+
+    const Answer answer = exchange(HTTPRequest::HTTP_POST, "/vehicle/speed", {}, "{\"value\":88}");
+
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(received, "{\"value\":88}");
+}
+
+TEST_F(HttpRequestHandlerBaseTest, RefusesABodyAnnouncedLongerThanTheLimitWithoutReadingIt)
+{
+    script.maxBodySize = 11;
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+
+    const Answer answer = exchange(HTTPRequest::HTTP_POST, "/vehicle/speed", {}, "{\"value\":88}");
+
+    EXPECT_EQ(answer.status, 400);
+    EXPECT_EQ(answer.body, errorBody(400, "request body too large"));
+    EXPECT_EQ(answer.header("Connection"), "Close");
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Request body too large (/vehicle/speed): 12 bytes announced"});
+}
+
+TEST_F(HttpRequestHandlerBaseTest, RefusesAGzipBodyThatDecodesBeyondTheLimit)
+{
+    script.maxBodySize = 200;
+    const std::string compressed = gzip(std::string(100000, 'a'));
+    ASSERT_LT(compressed.size(), 200U);
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+
+    const Answer answer =
+        exchange(HTTPRequest::HTTP_POST, "/vehicle/speed", {{"Content-Encoding", "gzip"}}, compressed);
+
+    EXPECT_EQ(answer.status, 400);
+    EXPECT_EQ(answer.body, errorBody(400, "request body too large"));
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(),
+              Lines{"Warning: Request body too large (/vehicle/speed): more than 200 bytes"});
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersABodyThatIsNotTheGzipItClaimsWithAnInternalError)
+{
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+
+    const Answer answer =
+        exchange(HTTPRequest::HTTP_POST, "/vehicle/speed", {{"Content-Encoding", "gzip"}}, "{\"value\":88}");
+
+    EXPECT_EQ(answer.status, 500);
+    EXPECT_EQ(answer.body, errorBody(500, ""));
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Unknown exception while parsing URI (/vehicle/speed)"});
 }
 
 TEST_F(HttpRequestHandlerBaseTest, GivesASuccessfulPostWithoutContentTheOkBodyAndDropsItsLocation)

@@ -6,7 +6,9 @@
 #include <Poco/Net/HTTPResponse.h>
 #include <Poco/SharedPtr.h>
 
+#include <cstddef>
 #include <istream>
+#include <limits>
 #include <ostream>
 #include <string>
 
@@ -55,9 +57,10 @@ public:
     /// it, which lives as long as this object or until the next call. A corrupt compressed body
     /// raises Poco::IOException on reading.
 
-    std::string readBody(std::istream& body);
+    std::string readBody(std::istream& body, std::size_t maxSize = std::numeric_limits<std::size_t>::max());
     /// The whole decoded request body. An empty body stays empty whatever its coding; a corrupt
-    /// compressed one raises Poco::IOException.
+    /// compressed one raises Poco::IOException. A body that decodes to more than maxSize bytes raises
+    /// BodyTooLargeException once the limit is passed, so that a small compressed body cannot fill memory.
 
     bool isEncodingResponse() const { return m_encodeGzip || m_encodeDeflate; }
     /// True when the answer is sent compressed.

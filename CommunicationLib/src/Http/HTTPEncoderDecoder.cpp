@@ -1,5 +1,7 @@
 #include "Http/HTTPEncoderDecoder.h"
 
+#include "Http/BodyTooLargeException.h"
+
 #include <Poco/Net/MessageHeader.h>
 #include <Poco/Net/NameValueCollection.h>
 #include <Poco/NumberParser.h>
@@ -160,14 +162,24 @@ std::istream& HTTPEncoderDecoder::decodingStream(std::istream& body)
     return *m_inStream;
 }
 
-std::string HTTPEncoderDecoder::readBody(std::istream& body)
+std::string HTTPEncoderDecoder::readBody(std::istream& body, std::size_t maxSize)
 {
     std::string result;
     if (body.peek() == std::char_traits<char>::eof())
     {
         return result;
     }
-    Poco::StreamCopier::copyToString(decodingStream(body), result);
+    std::istream& decoded = decodingStream(body);
+    char buffer[8192];
+    while (decoded.read(buffer, sizeof(buffer)) || decoded.gcount() > 0)
+    {
+        const auto count = static_cast<std::size_t>(decoded.gcount());
+        if (count > maxSize - result.size())
+        {
+            throw BodyTooLargeException("more than " + std::to_string(maxSize) + " bytes");
+        }
+        result.append(buffer, count);
+    }
     return result;
 }
 

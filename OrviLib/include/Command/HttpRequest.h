@@ -4,6 +4,8 @@
 
 #include <Poco/Net/HTTPServerRequest.h>
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 namespace Orvi::Net
@@ -32,10 +34,12 @@ public:
     /// Takes method and address of the request as they stand, without reading the body. Throws
     /// Poco::URISyntaxException for an address or query that does not parse.
 
-    HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder);
+    HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder,
+                std::size_t maxBodySize = std::numeric_limits<std::size_t>::max());
     /// As the constructor above, then reads the whole body through the coder, which decodes a gzip or
     /// deflate body. The address is parsed first, so a bad one is reported before the body is touched;
-    /// a corrupt compressed body raises Poco::IOException.
+    /// a corrupt compressed body raises Poco::IOException. A body longer than maxBodySize, as announced
+    /// by its Content-Length (then nothing is read) or once decoded, raises Net::BodyTooLargeException.
 
     Poco::Net::HTTPServerRequest& getHttpRequest() const { return m_httpRequest; }
 

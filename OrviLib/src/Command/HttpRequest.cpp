@@ -1,10 +1,13 @@
 #include "Command/HttpRequest.h"
 
+#include "Http/BodyTooLargeException.h"
 #include "Http/HTTPEncoderDecoder.h"
 
 #include <Poco/Exception.h>
 #include <Poco/Net/HTTPRequest.h>
 #include <Poco/URI.h>
+
+#include <string>
 
 namespace Orvi::Command
 {
@@ -40,14 +43,19 @@ HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request)
 {
 }
 
-HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder)
+HttpRequest::HttpRequest(Poco::Net::HTTPServerRequest& request, Orvi::Net::HTTPEncoderDecoder& coder,
+                         std::size_t maxBodySize)
     : HttpRequest(request)
 {
+    if (request.hasContentLength() && static_cast<Poco::UInt64>(request.getContentLength64()) > maxBodySize)
+    {
+        throw Net::BodyTooLargeException(std::to_string(request.getContentLength64()) + " bytes announced");
+    }
     // An HTTP/1.1 request without a length and without chunks has no body; reading one anyway would
     // wait for the client to close its connection.
     if (request.hasContentLength() || request.getChunkedTransferEncoding())
     {
-        m_message = coder.readBody(request.stream());
+        m_message = coder.readBody(request.stream(), maxBodySize);
     }
 }
 
