@@ -47,5 +47,6 @@ if (Number.isFinite(total) && tracks.length !== total) {
     process.exit(1);
 }
 
-writeFileSync(dbFile, JSON.stringify({ tracks }));
+// An empty playlists collection, so that json-server accepts the created playlists.
+writeFileSync(dbFile, JSON.stringify({ tracks, playlists: [] }));
 console.log(tracks[0].id);

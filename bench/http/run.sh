@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Side-by-side HTTP benchmark: the example server against json-server (the same tracks) and against a
-# POCO server that sends a fixed body of the same size (the ceiling of the HTTP stack). Everything runs
-# on 127.0.0.1 and every process started here is stopped on exit.
+# Side-by-side HTTP benchmark: the example server against json-server (the same tracks), for reads and
+# writes, and for the reads also against a POCO server that sends a fixed body of the same size (the
+# ceiling of the HTTP stack). Everything runs on 127.0.0.1 and every process started here is stopped on
+# exit.
 #
 # Usage: bash bench/http/run.sh [TRACKS]          (default 10000)
 # Settings from the environment:
@@ -147,12 +148,21 @@ to_ms() {
 }
 
 declare -A rps p50 p99 bytes errors
+# run_wrk KIND SERVER URL [METHOD BODY_A BODY_B]: a GET, or with a method a write of the two bodies in turn.
 run_wrk() {
-    local kind="$1" server="$2" url="$3" out
+    local kind="$1" server="$2" url="$3" method="${4:-}" out
+    local script=()
     out="$work/wrk-$kind-$server.txt"
-    log "wrk $kind $server: $url"
-    bytes[$kind,$server]="$(curl -s "$url" | wc -c)"
-    wrk -t"$wrk_threads" -c"$wrk_connections" -d"$wrk_duration" --timeout "$wrk_timeout" --latency "$url" >"$out"
+    log "wrk $kind $server: $method $url"
+    if [ -z "$method" ]; then
+        bytes[$kind,$server]="$(curl -s "$url" | wc -c)"
+    else
+        export BENCH_METHOD="$method" BENCH_BODY_A="$5" BENCH_BODY_B="$6"
+        script=(-s "$here/write.lua")
+        bytes[$kind,$server]="$(curl -s -X "$method" -H 'Content-Type: application/json' -d "$5" "$url" | wc -c)"
+    fi
+    wrk -t"$wrk_threads" -c"$wrk_connections" -d"$wrk_duration" --timeout "$wrk_timeout" --latency \
+        "${script[@]}" "$url" >"$out"
     rps[$kind,$server]="$(awk '/^Requests\/sec:/ { printf "%.0f", $2 }' "$out")"
     p50[$kind,$server]="$(to_ms "$(awk '$1 == "50%" { print $2 }' "$out")")"
     p99[$kind,$server]="$(to_ms "$(awk '$1 == "99%" { print $2 }' "$out")")"
@@ -210,13 +220,21 @@ for kind in "${kinds[@]}"; do
     run_wrk "$kind" fixed-body "${fixed[$kind]}${ours_path[$kind]}"
 done
 
+# The writes: an attribute of one track changed (our POST on the object, json-server's PATCH), and a
+# playlist created (POST on the resource on both). There is no fixed-body row for them.
+run_wrk update servicedb "$ours/audio/tracks/$track_id" POST '{"year":2001}' '{"year":2002}'
+run_wrk update json-server "$peer/tracks/$track_id" PATCH '{"year":2001}' '{"year":2002}'
+run_wrk create servicedb "$ours/audio/playlists" POST '{"name":"bench"}' '{"name":"bench"}'
+run_wrk create json-server "$peer/playlists" POST '{"name":"bench"}' '{"name":"bench"}'
+
 # 7. the table
 echo
 echo "wrk -t$wrk_threads -c$wrk_connections -d$wrk_duration, $tracks tracks, $(nproc) cores"
 row_format="%-7s %-12s %10s %9s %9s %9s %7s %12s\n"
 printf "$row_format" request server "req/s" "p50 ms" "p99 ms" bytes errors "ours/server"
-for kind in "${kinds[@]}"; do
+for kind in "${kinds[@]}" update create; do
     for server in servicedb json-server fixed-body; do
+        [ -n "${rps[$kind,$server]:-}" ] || continue
         ratio="-"
         if [ "$server" != servicedb ] && [ "${rps[$kind,$server]:-0}" -gt 0 ]; then
             ratio="$(awk -v a="${rps[$kind,servicedb]}" -v b="${rps[$kind,$server]}" 'BEGIN { printf "%.2f", a / b }')"
