@@ -6,7 +6,8 @@
 #
 # Usage: bash bench/http/run.sh [TRACKS]          (default 10000)
 # Settings from the environment:
-#   WRK_THREADS (2), WRK_CONNECTIONS (16), WRK_DURATION (10s), WRK_TIMEOUT (2s),
+#   WRK_THREADS (2), WRK_CONNECTIONS (16), WRK_DURATION (10s), WRK_TIMEOUT (2s), DELETE_DURATION (2s,
+#   short enough that the objects created before do not run out),
 #   BUILD_JOBS (2), SKIP_BUILD=1 to use the binaries as they are,
 #   STARTUP_TIMEOUT (120, seconds to wait for a server to answer), EXAMPLE_LOG_LEVEL (warning),
 #   SERVICEDB_EXAMPLE (the example binary; default build/default/examples/servicedb-example).
@@ -17,6 +18,7 @@ wrk_threads="${WRK_THREADS:-2}"
 wrk_connections="${WRK_CONNECTIONS:-16}"
 wrk_duration="${WRK_DURATION:-10s}"
 wrk_timeout="${WRK_TIMEOUT:-2s}"
+delete_duration="${DELETE_DURATION:-2s}"
 build_jobs="${BUILD_JOBS:-2}"
 startup_timeout="${STARTUP_TIMEOUT:-120}"
 json_server_version="0.17.4"
@@ -163,6 +165,22 @@ run_wrk() {
     fi
     wrk -t"$wrk_threads" -c"$wrk_connections" -d"$wrk_duration" --timeout "$wrk_timeout" --latency \
         "${script[@]}" "$url" >"$out"
+    read_wrk "$kind" "$server" "$out"
+}
+
+# run_wrk_delete SERVER BASE_URL PATHS_FILE: deletes the listed objects, each once, for DELETE_DURATION.
+run_wrk_delete() {
+    local server="$1" url="$2" paths="$3" out
+    out="$work/wrk-delete-$server.txt"
+    log "wrk delete $server: $(wc -l <"$paths") objects listed"
+    bytes[delete,$server]="-"
+    BENCH_PATHS="$paths" BENCH_THREADS="$wrk_threads" wrk -t"$wrk_threads" -c"$wrk_connections" \
+        -d"$delete_duration" --timeout "$wrk_timeout" --latency -s "$here/delete.lua" "$url" >"$out"
+    read_wrk delete "$server" "$out"
+}
+
+read_wrk() {
+    local kind="$1" server="$2" out="$3"
     rps[$kind,$server]="$(awk '/^Requests\/sec:/ { printf "%.0f", $2 }' "$out")"
     p50[$kind,$server]="$(to_ms "$(awk '$1 == "50%" { print $2 }' "$out")")"
     p99[$kind,$server]="$(to_ms "$(awk '$1 == "99%" { print $2 }' "$out")")"
@@ -227,12 +245,23 @@ run_wrk update json-server "$peer/tracks/$track_id" PATCH '{"year":2001}' '{"yea
 run_wrk create servicedb "$ours/audio/playlists" POST '{"name":"bench"}' '{"name":"bench"}'
 run_wrk create json-server "$peer/playlists" POST '{"name":"bench"}' '{"name":"bench"}'
 
+# Deleting the playlists just created, each once: the lists of their addresses come from the servers.
+: >"$work/delete-servicedb.txt"
+for ((offset = 0; offset < 30000; offset += 1000)); do
+    curl -sf "$ours/audio/playlists?\$fields=uri&\$limit=1000&\$offset=$offset" |
+        grep -o '/audio/playlists/[0-9a-f-]*' >>"$work/delete-servicedb.txt" || break
+done
+curl -sf "$peer/playlists" | grep -o '"id": *[0-9]*' | grep -o '[0-9]*$' | sed 's|^|/playlists/|' \
+    >"$work/delete-json-server.txt"
+run_wrk_delete servicedb "$ours" "$work/delete-servicedb.txt"
+run_wrk_delete json-server "$peer" "$work/delete-json-server.txt"
+
 # 7. the table
 echo
 echo "wrk -t$wrk_threads -c$wrk_connections -d$wrk_duration, $tracks tracks, $(nproc) cores"
 row_format="%-7s %-12s %10s %9s %9s %9s %7s %12s\n"
 printf "$row_format" request server "req/s" "p50 ms" "p99 ms" bytes errors "ours/server"
-for kind in "${kinds[@]}" update create; do
+for kind in "${kinds[@]}" update create delete; do
     for server in servicedb json-server fixed-body; do
         [ -n "${rps[$kind,$server]:-}" ] || continue
         ratio="-"
