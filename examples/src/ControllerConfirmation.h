@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/DataMessageBase.h"
+#include "VehicleLink.h"
 
 #include <Poco/JSON/Object.h>
 
@@ -10,16 +10,15 @@
 namespace Orvi::Example
 {
 
-/// A worker message that writes values into one object through the IPC context, as a vehicle
-/// controller confirms a change it was asked for. It holds copies only, so that nothing of the
-/// request it came from has to live on.
+/// A worker message in which a vehicle controller confirms a change it was asked for: the vehicle
+/// delivers the values it applied as a data handler does. It holds copies only, so that nothing of
+/// the request it came from has to live on.
 class ControllerConfirmation : public Util::DataMessageBase
 {
 public:
-    ControllerConfirmation(Mapping::MappingServiceJSONDataCache& cache, const std::string& service,
-                           const std::string& resource, const std::string& uuid,
-                           Poco::JSON::Object::Ptr values);
-    /// The cache must outlive the message.
+    ControllerConfirmation(VehicleLink& vehicle, const std::string& service, const std::string& resource,
+                           const std::string& uuid, Poco::JSON::Object::Ptr values);
+    /// The vehicle must outlive the message.
 
     void processData() override;
     /// Logs "Info: Controller confirmed /service/resource/uuid" or, when the store refuses the values,
@@ -29,7 +28,7 @@ protected:
     ~ControllerConfirmation() override;
 
 private:
-    Mapping::MappingServiceJSONDataCache& m_cache;
+    VehicleLink& m_vehicle;
     const std::string m_service;
     const std::string m_resource;
     const std::string m_uuid;

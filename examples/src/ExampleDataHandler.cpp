@@ -39,9 +39,10 @@ ExampleDataHandler::ExampleDataHandler(Util::MessageSync& worker)
 {
 }
 
-void ExampleDataHandler::attach(Mapping::MappingServiceJSONDataCache& cache)
+void ExampleDataHandler::attach(Mapping::MappingServiceJSONDataCache& cache, VehicleLink& vehicle)
 {
     m_cache = &cache;
+    m_vehicle = &vehicle;
 }
 
 OperationResult::Enum ExampleDataHandler::updateToDb(const std::string& service, const std::string& resource,
@@ -62,7 +63,7 @@ OperationResult::Enum ExampleDataHandler::updateToMapper(const std::string& serv
                                                          Mapping::ProcessingData& data)
 {
     const std::string address = addressOf(service, resource, xobject);
-    if (m_cache == nullptr || data.orgJsonObj == nullptr)
+    if (m_cache == nullptr || m_vehicle == nullptr || data.orgJsonObj == nullptr)
     {
         LOG_WARNING("Cannot take the change of " << address << " without a cache and its values");
         return OperationResult::ErrorOnUpdate;
@@ -86,7 +87,7 @@ OperationResult::Enum ExampleDataHandler::updateToMapper(const std::string& serv
     if (service == CABIN)
     {
         if (!m_worker.enqueueDataMessage(
-                new ControllerConfirmation(*m_cache, service, resource, uuidOf(xobject), values),
+                new ControllerConfirmation(*m_vehicle, service, resource, uuidOf(xobject), values),
                 Util::MESSAGE_PRIO_NORMAL))
         {
             LOG_WARNING("Controller cannot be reached for " << address);

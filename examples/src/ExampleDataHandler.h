@@ -3,6 +3,7 @@
 #include "IServiceDataHandler.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
+#include "VehicleLink.h"
 
 #include <string>
 #include <vector>
@@ -27,9 +28,10 @@ public:
     explicit ExampleDataHandler(Util::MessageSync& worker);
     /// The worker must outlive the handler and run the messages it is given.
 
-    void attach(Mapping::MappingServiceJSONDataCache& cache);
-    /// The cache that values are delivered to. It is constructed with this handler, so it comes
-    /// afterwards; it must outlive the handler and every message the handler has queued.
+    void attach(Mapping::MappingServiceJSONDataCache& cache, VehicleLink& vehicle);
+    /// The cache that audio values are delivered to, and the vehicle that confirms cabin changes. The
+    /// cache is constructed with this handler, so both come afterwards; they must outlive the handler
+    /// and every message the handler has queued.
 
     Mapping::OperationResult::Enum updateToDb(const std::string& service, const std::string& resource,
                                               const Mapping::XObject& xobject,
@@ -63,6 +65,7 @@ public:
 private:
     Util::MessageSync& m_worker;
     Mapping::MappingServiceJSONDataCache* m_cache = nullptr;
+    VehicleLink* m_vehicle = nullptr;
 };
 
 } // namespace Orvi::Example

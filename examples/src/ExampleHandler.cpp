@@ -3,9 +3,23 @@
 namespace Orvi::Example
 {
 
-ExampleHandler::ExampleHandler(Util::MessageSync& worker, Mapping::MappingServiceJSONDataCache& cache)
+namespace
+{
+
+// A version the service does not implement is answered 200 too, with a text instead of the success body.
+bool changedTheStore(Poco::Net::HTTPResponse::HTTPStatus status, const Command::HttpResponse& response)
+{
+    return (status == Poco::Net::HTTPResponse::HTTP_OK || status == Poco::Net::HTTPResponse::HTTP_CREATED) &&
+           response.getTextMsg() == Mapping::MappingServiceJSONDataCache::jsonDataOk;
+}
+
+} // namespace
+
+ExampleHandler::ExampleHandler(Util::MessageSync& worker, Mapping::MappingServiceJSONDataCache& cache,
+                               const Service::SubscriptionTrigger& trigger)
     : HttpRequestHandlerBase(worker)
     , m_cache(cache)
+    , m_trigger(trigger)
 {
 }
 
@@ -29,7 +43,12 @@ Poco::Net::HTTPResponse::HTTPStatus ExampleHandler::processPostRequest(const Com
                                                                        const Poco::URI&,
                                                                        const std::vector<std::string>&)
 {
-    return m_cache.updatePOSTCache(request, response);
+    const Poco::Net::HTTPResponse::HTTPStatus status = m_cache.updatePOSTCache(request, response);
+    if (changedTheStore(status, response))
+    {
+        m_trigger.byRequest(request);
+    }
+    return status;
 }
 
 Poco::Net::HTTPResponse::HTTPStatus ExampleHandler::processDeleteRequest(const Command::HttpRequest& request,
@@ -37,7 +56,12 @@ Poco::Net::HTTPResponse::HTTPStatus ExampleHandler::processDeleteRequest(const C
                                                                          const Poco::URI&,
                                                                          const std::vector<std::string>&)
 {
-    return m_cache.updateDELETECache(request, response);
+    const Poco::Net::HTTPResponse::HTTPStatus status = m_cache.updateDELETECache(request, response);
+    if (changedTheStore(status, response))
+    {
+        m_trigger.byDeleteRequest(request, nullptr);
+    }
+    return status;
 }
 
 } // namespace Orvi::Example

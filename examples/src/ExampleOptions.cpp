@@ -40,7 +40,7 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
             continue;
         }
         if (option != "--port" && option != "--definitions" && option != "--tracks" &&
-            option != "--log-level")
+            option != "--vehicle-rate" && option != "--log-level")
         {
             throw Poco::InvalidArgumentException("unknown option \"" + option + "\"");
         }
@@ -62,6 +62,10 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
         {
             options.tracks =
                 static_cast<std::size_t>(numberAt(option, value, std::numeric_limits<Poco::UInt32>::max()));
+        }
+        else if (option == "--vehicle-rate")
+        {
+            options.vehicleRate = static_cast<std::size_t>(numberAt(option, value, MAX_VEHICLE_RATE));
         }
         else
         {
@@ -88,11 +92,13 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
 
 std::string ExampleOptions::usage()
 {
-    return "usage: servicedb-example [--port N] [--definitions FILE]... [--tracks N] [--log-level LEVEL]\n"
+    return "usage: servicedb-example [--port N] [--definitions FILE]... [--tracks N] [--vehicle-rate N]\n"
+           "                         [--log-level LEVEL]\n"
            "  --port N            port to listen on at 127.0.0.1 (default 8080, 0 picks a free one)\n"
            "  --definitions FILE  service definition file, repeatable (default: the bundled cabin and "
            "audio)\n"
            "  --tracks N          number of generated tracks (default 1000)\n"
+           "  --vehicle-rate N    steps of the simulated vehicle a second (default 2, 0 keeps it still)\n"
            "  --log-level LEVEL   fatal, critical, error, warning, notice, information, debug or trace\n"
            "                      (default information)\n";
 }

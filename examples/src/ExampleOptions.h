@@ -10,12 +10,14 @@ namespace Orvi::Example
 {
 
 /// The command line of the example: --port N, --definitions FILE (repeatable), --tracks N,
-/// --log-level LEVEL and --help.
+/// --vehicle-rate N, --log-level LEVEL and --help.
 class ExampleOptions
 {
 public:
     static constexpr Poco::UInt16 DEFAULT_PORT = 8080;
     static constexpr std::size_t DEFAULT_TRACKS = 1000;
+    static constexpr std::size_t DEFAULT_VEHICLE_RATE = 2;
+    static constexpr std::size_t MAX_VEHICLE_RATE = 100000;
     static const std::string DEFAULT_LOG_LEVEL;
     /// "information"
 
@@ -31,6 +33,8 @@ public:
     /// 0 lets the system pick a free port.
     std::vector<std::string> definitions;
     std::size_t tracks = DEFAULT_TRACKS;
+    std::size_t vehicleRate = DEFAULT_VEHICLE_RATE;
+    /// Steps of the simulated vehicle a second; 0 keeps it still.
     std::string logLevel = DEFAULT_LOG_LEVEL;
     bool help = false;
 };

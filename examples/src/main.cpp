@@ -5,9 +5,12 @@
 #include "Logging/Log.h"
 #include "Logging/LogStream.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
+#include "Mapping/MappingServiceSubscrTrigger.h"
 #include "Message/MessageSync.h"
 #include "SampleData.h"
 #include "SchemaLoader/SchemaLoader.h"
+#include "VehicleLink.h"
+#include "VehicleSimulation.h"
 
 #include <Poco/AutoPtr.h>
 #include <Poco/ConsoleChannel.h>
@@ -88,9 +91,19 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
     Orvi::Util::MessageSync worker(CRITICAL_QUEUE_SIZE);
     Orvi::Example::ExampleDataHandler dataHandler(worker);
     Orvi::Mapping::MappingServiceJSONDataCache cache(services, &dataHandler);
-    dataHandler.attach(cache);
+    Orvi::Mapping::MappingServiceSubscrTrigger trigger(worker, &cache);
+    Orvi::Example::VehicleLink vehicle(cache, &trigger);
+    dataHandler.attach(cache, vehicle);
     fillSampleData(cache, services, options.tracks);
+    // The simulated vehicle knows the bundled services only.
+    const bool bundled = services.count(Orvi::Example::ExampleDataHandler::CABIN) != 0 &&
+                         services.count(Orvi::Example::ExampleDataHandler::AUDIO) != 0;
+    if (bundled)
+    {
+        vehicle.connect();
+    }
     worker.start();
+    Orvi::Example::VehicleSimulation simulation(worker, vehicle, bundled ? options.vehicleRate : 0);
 
     Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;
     params->setMaxThreads(MAX_SERVER_THREADS);
@@ -99,14 +112,16 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
     params->setKeepAliveTimeout(Poco::Timespan(KEEP_ALIVE_SECONDS, 0));
     params->setMaxKeepAliveRequests(MAX_KEEP_ALIVE_REQUESTS);
     Poco::ThreadPool pool(2, MAX_SERVER_THREADS);
-    Poco::Net::HTTPServer server(new Orvi::Example::ExampleHandlerFactory(worker, cache), pool, socket,
-                                 params);
+    Poco::Net::HTTPServer server(new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger), pool,
+                                 socket, params);
     server.start();
+    simulation.start();
     LOG_INFO("Listening on http://127.0.0.1:" << port << "/");
 
     int signal = 0;
     sigwait(&stopSignals, &signal);
     LOG_INFO("Stopping on signal " << signal);
+    simulation.stop();
     server.stopAll(true);
     pool.joinAll();
     worker.stop();

@@ -37,13 +37,14 @@ protected:
         : worker(CRITICAL_QUEUE_SIZE)
         , sut(worker)
         , cache(services, &sut)
+        , vehicle(cache, nullptr)
     {
         Orvi::Loader::SchemaLoader().loadFiles({DEFINITIONS + "/cabin.json", DEFINITIONS + "/audio.json"},
                                                services);
         SampleData data(cache);
         data.fillCabin();
         data.fillAudio(TRACKS);
-        sut.attach(cache);
+        sut.attach(cache, vehicle);
     }
 
     ~ExampleDataHandlerCalls() override { worker.stop(); }
@@ -75,6 +76,7 @@ protected:
     Orvi::Util::MessageSync worker;
     Orvi::Example::ExampleDataHandler sut;
     Orvi::Mapping::MappingServiceJSONDataCache cache;
+    Orvi::Example::VehicleLink vehicle;
 };
 
 TEST_F(ExampleDataHandlerCalls, StoresAChangeOfATrackAtOnceAndAnswersUpdated)
@@ -144,7 +146,7 @@ TEST_F(ExampleDataHandlerCalls, TakesOverASetPointAndLeavesTheStoreAsItIsUntilTh
     EXPECT_EQ(worker.queueSize(), 1U);
 }
 
-TEST_F(ExampleDataHandlerCalls, AppliesATakenOverSetPointOnTheWorkerAfterTheRequestIsGone)
+TEST_F(ExampleDataHandlerCalls, AppliesATakenOverSetPointThroughTheVehicleOnTheWorkerAfterTheRequestIsGone)
 {
     {
         Poco::JSON::Object json;
@@ -162,7 +164,10 @@ TEST_F(ExampleDataHandlerCalls, AppliesATakenOverSetPointOnTheWorkerAfterTheRequ
 
     EXPECT_EQ(textOf(SampleData::cabinUuid(0), "setPoint"), "23.5");
     EXPECT_EQ(textOf(SampleData::cabinUuid(0), "fanLevel"), "5");
-    EXPECT_EQ(log.lines(), std::vector<std::string>{"Info: Controller confirmed " + zoneAddress()});
+    EXPECT_EQ(log.lines(),
+              (std::vector<std::string>{"Info: result of mapping of object 0x100 with uuid: " +
+                                            SampleData::cabinUuid(0) + " in cabin.zones : ObjectUpdated",
+                                        "Info: Controller confirmed " + zoneAddress()}));
 }
 
 TEST_F(ExampleDataHandlerCalls, ReportsATakenOverValueThatTheStoreRefuses)

@@ -6,6 +6,7 @@
 #include "HttpRequestHandlerBase.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
+#include "RecordingTrigger.h"
 #include "SampleData.h"
 #include "SchemaLoader/SchemaLoader.h"
 #include "TestSupport/LocalHttpServer.h"
@@ -52,7 +53,8 @@ protected:
         : worker(CRITICAL_QUEUE_SIZE)
         , dataHandler(worker)
         , cache(services, &dataHandler)
-        , server(new Orvi::Example::ExampleHandlerFactory(worker, cache))
+        , vehicle(cache, &trigger)
+        , server(new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger))
     {
         Orvi::Loader::SchemaLoader().loadFiles({DEFINITIONS + "/cabin.json", DEFINITIONS + "/audio.json"},
                                                services);
@@ -60,7 +62,7 @@ protected:
         {
             entry.second->setPort(server.port());
         }
-        dataHandler.attach(cache);
+        dataHandler.attach(cache, vehicle);
         SampleData data(cache);
         data.fillCabin();
         data.fillAudio(TRACKS);
@@ -131,6 +133,8 @@ protected:
     Orvi::Util::MessageSync worker;
     Orvi::Example::ExampleDataHandler dataHandler;
     Orvi::Mapping::MappingServiceJSONDataCache cache;
+    ServiceDB::Example::Test::RecordingTrigger trigger;
+    Orvi::Example::VehicleLink vehicle;
     ServiceDB::Test::LocalHttpServer server;
 };
 
@@ -245,7 +249,7 @@ std::string seatWithHeatingLevel(std::size_t index, const std::string& name, int
 
 // ---- POST: changes that are taken ----
 
-TEST_F(ExampleHandlerOverHttp, AcceptsASetPointForLaterAndStoresItOnceTheControllerConfirms)
+TEST_F(ExampleHandlerOverHttp, AcceptsASetPointForLaterAndTellsTheSubscribersOnceTheControllerConfirms)
 {
     const Answer answer = post(zone(0), "{\"setPoint\":23.5}");
 
@@ -254,6 +258,7 @@ TEST_F(ExampleHandlerOverHttp, AcceptsASetPointForLaterAndStoresItOnceTheControl
     ASSERT_TRUE(WorkerBarrier::passed(worker));
     EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, zone(0) + "?$fields=setPoint").body,
               zoneWithSetPoint(0, "Driver", "23.5"));
+    EXPECT_EQ(trigger.changes(), std::vector<std::string>{"element cabin/zones/" + SampleData::cabinUuid(0)});
 }
 
 TEST_F(ExampleHandlerOverHttp, CreatesAPlaylistAndAnswersItsLocation)
@@ -272,6 +277,7 @@ TEST_F(ExampleHandlerOverHttp, CreatesAPlaylistAndAnswersItsLocation)
               "{\"data\":{\"id\":" + quoted(uuid) + ",\"name\":\"Road trip\",\"tracks\":[" +
                   reduced("tracks", SampleData::trackUuid(2), "Track 3") +
                   "],\"uri\":" + quoted(answer.location) + "},\"status\":\"ok\"}");
+    EXPECT_EQ(trigger.changes(), std::vector<std::string>{"request POST /audio/playlists"});
 }
 
 TEST_F(ExampleHandlerOverHttp, ChangesEveryTrackThatAQuerySelects)
@@ -301,7 +307,7 @@ TEST_F(ExampleHandlerOverHttp,
                   seatWithHeatingLevel(6, "Rear right seat", 1) + "],\"status\":\"ok\"}");
 }
 
-TEST_F(ExampleHandlerOverHttp, RenamesAPlaylistAtOnce)
+TEST_F(ExampleHandlerOverHttp, RenamesAPlaylistAtOnceAndTellsTheSubscribers)
 {
     const Answer answer = post(playlist(0), "{\"name\":\"Evening\"}");
 
@@ -310,6 +316,7 @@ TEST_F(ExampleHandlerOverHttp, RenamesAPlaylistAtOnce)
     EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, playlist(0) + "?$fields=name").body,
               "{\"data\":" + reduced("playlists", SampleData::playlistUuid(0), "Evening") +
                   ",\"status\":\"ok\"}");
+    EXPECT_EQ(trigger.changes(), std::vector<std::string>{"request POST " + playlist(0)});
 }
 
 TEST_F(ExampleHandlerOverHttp, RenamesAPlaylistFromAGzipBody)
@@ -406,7 +413,8 @@ TEST_F(ExampleHandlerOverHttp, AnswersAPostOnAnUnknownResourceOfAKnownServiceWit
 
 TEST_F(ExampleHandlerOverHttp, AnswersAPostOnAnotherPortThanTheServicesWithNotFoundBeforeTheBodyIsRead)
 {
-    ServiceDB::Test::LocalHttpServer otherPort(new Orvi::Example::ExampleHandlerFactory(worker, cache));
+    ServiceDB::Test::LocalHttpServer otherPort(
+        new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger));
     Request request;
     request.method = HTTPRequest::HTTP_POST;
     request.uri = playlist(0);
@@ -429,6 +437,7 @@ TEST_F(ExampleHandlerOverHttp, AnswersAPostInAVersionItDoesNotImplementWithAText
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.body, Orvi::Service::VersionCheck::msgVersionNotImplemented);
     EXPECT_EQ(storeContents(), before);
+    EXPECT_TRUE(trigger.changes().empty());
 }
 
 TEST_F(ExampleHandlerOverHttp, AnswersABatchInAVersionItDoesNotImplementWithATextAndChangesNoTrack)
@@ -544,7 +553,7 @@ TEST_F(ExampleHandlerOverHttp, RefusesAValidValueTogetherWithAnInvalidOneAndStor
     EXPECT_EQ(storeContents(), before);
 }
 
-TEST_F(ExampleHandlerOverHttp, RefusesASetPointOutOfRange)
+TEST_F(ExampleHandlerOverHttp, RefusesASetPointOutOfRangeAndTellsNobody)
 {
     const Answer answer = post(zone(0), "{\"setPoint\":40}");
 
@@ -553,6 +562,7 @@ TEST_F(ExampleHandlerOverHttp, RefusesASetPointOutOfRange)
     ASSERT_TRUE(WorkerBarrier::passed(worker));
     EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, zone(0) + "?$fields=setPoint").body,
               zoneWithSetPoint(0, "Driver", "21.5"));
+    EXPECT_TRUE(trigger.changes().empty());
 }
 
 TEST_F(ExampleHandlerOverHttp, RefusesAnAttributeTheTrackDoesNotHave)
@@ -801,13 +811,14 @@ TEST_F(ExampleHandlerOverHttp, RefusesABatchWithAMalformedPagingParameterAsWrong
 
 // ---- DELETE: objects ----
 
-TEST_F(ExampleHandlerOverHttp, DeletesAPlaylist)
+TEST_F(ExampleHandlerOverHttp, DeletesAPlaylistAndTellsTheSubscribers)
 {
     const Answer answer = remove(playlist(0));
 
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.body, OK_BODY);
     EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, playlist(0)).status, 404);
+    EXPECT_EQ(trigger.changes(), std::vector<std::string>{"delete " + playlist(0)});
 }
 
 TEST_F(ExampleHandlerOverHttp, DeletesAPlaylistByItsAddressAloneAndPassesOverABodySentWithIt)
@@ -865,7 +876,8 @@ TEST_F(ExampleHandlerOverHttp, AnswersADeleteOfATrackAddressedAsAPlaylistWithNot
 
 TEST_F(ExampleHandlerOverHttp, AnswersADeleteOnAnotherPortThanTheServicesWithNotFoundAndKeepsThePlaylist)
 {
-    ServiceDB::Test::LocalHttpServer otherPort(new Orvi::Example::ExampleHandlerFactory(worker, cache));
+    ServiceDB::Test::LocalHttpServer otherPort(
+        new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger));
     Request request;
     request.method = HTTPRequest::HTTP_DELETE;
     request.uri = playlist(0);

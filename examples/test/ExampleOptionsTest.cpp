@@ -35,19 +35,22 @@ TEST(ExampleOptions, GivesTheDefaultsWithoutArguments)
     EXPECT_EQ(sut.port, 8080);
     EXPECT_EQ(sut.definitions, BUNDLED);
     EXPECT_EQ(sut.tracks, 1000U);
+    EXPECT_EQ(sut.vehicleRate, 2U);
     EXPECT_EQ(sut.logLevel, "information");
     EXPECT_FALSE(sut.help);
 }
 
 TEST(ExampleOptions, ReadsEveryOptionWithItsValue)
 {
-    const ExampleOptions sut = ExampleOptions::parse(
-        {"--port", "9090", "--tracks", "100000", "--log-level", "debug", "--definitions", "a.json", "--help"},
-        BUNDLED);
+    const ExampleOptions sut =
+        ExampleOptions::parse({"--port", "9090", "--tracks", "100000", "--vehicle-rate", "0", "--log-level",
+                               "debug", "--definitions", "a.json", "--help"},
+                              BUNDLED);
 
     EXPECT_EQ(sut.port, 9090);
     EXPECT_EQ(sut.definitions, Strings{"a.json"});
     EXPECT_EQ(sut.tracks, 100000U);
+    EXPECT_EQ(sut.vehicleRate, 0U);
     EXPECT_EQ(sut.logLevel, "debug");
     EXPECT_TRUE(sut.help);
 }
@@ -68,6 +71,12 @@ TEST(ExampleOptions, RefusesAPortBeyondTheRange)
 TEST(ExampleOptions, RefusesATrackCountThatIsNoNumber)
 {
     EXPECT_EQ(refusal({"--tracks", "many"}), "--tracks needs a number from 0 to 4294967295, not \"many\"");
+}
+
+TEST(ExampleOptions, RefusesAVehicleRateAboveAHundredThousandStepsASecond)
+{
+    EXPECT_EQ(refusal({"--vehicle-rate", "100001"}),
+              "--vehicle-rate needs a number from 0 to 100000, not \"100001\"");
 }
 
 TEST(ExampleOptions, RefusesAnUnknownLogLevel)
