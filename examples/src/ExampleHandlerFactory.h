@@ -2,6 +2,7 @@
 
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
+#include "SubscriptionHandling/SubscriptionService.h"
 #include "SubscriptionHandling/SubscriptionTrigger.h"
 
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
@@ -9,13 +10,16 @@
 namespace Orvi::Example
 {
 
-/// Gives the server one ExampleHandler per exchange.
+/// Gives the server one ExampleHandler per exchange, and hands WebSocket upgrades on any path to the
+/// subscription service.
 class ExampleHandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
 {
 public:
     ExampleHandlerFactory(Util::MessageSync& worker, Mapping::MappingServiceJSONDataCache& cache,
-                          const Service::SubscriptionTrigger& trigger);
-    /// All three must outlive the factory and its handlers.
+                          const Service::SubscriptionTrigger& trigger,
+                          Service::SubscriptionService* subscriptions = nullptr);
+    /// All must outlive the factory and its handlers. Without a subscription service an upgrade request
+    /// is answered as any GET.
 
     Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest& request) override;
 
@@ -23,6 +27,7 @@ private:
     Util::MessageSync& m_worker;
     Mapping::MappingServiceJSONDataCache& m_cache;
     const Service::SubscriptionTrigger& m_trigger;
+    Service::SubscriptionService* m_subscriptions;
 };
 
 } // namespace Orvi::Example

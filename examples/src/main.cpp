@@ -9,6 +9,8 @@
 #include "Message/MessageSync.h"
 #include "SampleData.h"
 #include "SchemaLoader/SchemaLoader.h"
+#include "SubscriptionHandling/SubscriptionLimits.h"
+#include "SubscriptionHandling/SubscriptionService.h"
 #include "VehicleLink.h"
 #include "VehicleSimulation.h"
 
@@ -28,6 +30,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <memory>
 #include <pthread.h>
 #include <string>
 #include <vector>
@@ -46,6 +49,7 @@ constexpr int MAX_SERVER_THREADS = 16;
 constexpr int MAX_QUEUED_CONNECTIONS = 64;
 constexpr int KEEP_ALIVE_SECONDS = 5;
 constexpr int MAX_KEEP_ALIVE_REQUESTS = 100;
+constexpr std::size_t MAX_SUBSCRIBERS = 1000;
 
 void configureLogging(const std::string& level)
 {
@@ -112,8 +116,12 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
     params->setKeepAliveTimeout(Poco::Timespan(KEEP_ALIVE_SECONDS, 0));
     params->setMaxKeepAliveRequests(MAX_KEEP_ALIVE_REQUESTS);
     Poco::ThreadPool pool(2, MAX_SERVER_THREADS);
-    Poco::Net::HTTPServer server(new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger), pool,
-                                 socket, params);
+    // Subscribers are served on the service's own threads; it goes before the worker, which it may wait for.
+    auto subscriptions = std::make_unique<Orvi::Service::SubscriptionService>(
+        trigger, Orvi::Service::SubscriptionLimits(MAX_SUBSCRIBERS));
+    Poco::Net::HTTPServer server(
+        new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger, subscriptions.get()), pool, socket,
+        params);
     server.start();
     simulation.start();
     LOG_INFO("Listening on http://127.0.0.1:" << port << "/");
@@ -124,6 +132,7 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
     simulation.stop();
     server.stopAll(true);
     pool.joinAll();
+    subscriptions.reset();
     worker.stop();
     return 0;
 }
