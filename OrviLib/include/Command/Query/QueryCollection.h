@@ -1,5 +1,10 @@
 #pragma once
 
+// The criteria are complete here: a shared pointer released where its class is only declared
+// would free the criterion without running its destructor.
+#include "Command/Query/RenderCriterion.h"
+#include "Command/Query/SearchCriterion.h"
+
 #include <Poco/SharedPtr.h>
 
 #include <map>
@@ -9,9 +14,6 @@
 
 namespace Orvi::Command
 {
-
-class RenderCriterion;
-class SearchCriterion;
 
 /// Criteria of one family by the run-time type name of each criterion, so that all criteria of one class
 /// stand under one key, in the order of the address.
