@@ -3,6 +3,7 @@
 #include "Data/DataTypes.h"
 #include "Data/XObjectBase.h"
 
+#include <Poco/SharedPtr.h>
 #include <Poco/URI.h>
 
 #include <string>
@@ -14,6 +15,8 @@ namespace Orvi::Data
 class ElementBase : public XObjectBase
 {
 public:
+    using Ptr = Poco::SharedPtr<ElementBase>;
+
     explicit ElementBase(XObjectId id = -1);
     ElementBase(const ElementBase&) = default;
     ElementBase(ElementBase&&) = default;

@@ -17,6 +17,8 @@ namespace Orvi::Data
 class ResourceBase : public XObjectBase
 {
 public:
+    using Ptr = Poco::SharedPtr<ResourceBase>;
+
     static const std::string KEY_DESCRIPTION;
 
     explicit ResourceBase(XObjectId id = -1);

@@ -18,6 +18,8 @@ namespace Orvi::Data
 class ServiceBase : public XObjectBase
 {
 public:
+    using Ptr = Poco::SharedPtr<ServiceBase>;
+
     static const std::string KEY_DESCRIPTION;
     static const std::string KEY_PORT;
     static const std::string KEY_PRIVILEGES;

@@ -5,6 +5,7 @@
 #include "Data/DataTypes.h"
 
 #include <Poco/JSON/Object.h>
+#include <Poco/SharedPtr.h>
 #include <Poco/URI.h>
 #include <Poco/UUID.h>
 
@@ -19,6 +20,8 @@ namespace Orvi::Data
 class XObjectBase
 {
 public:
+    using Ptr = Poco::SharedPtr<XObjectBase>;
+
     static const std::string KEY_ID;
     static const std::string KEY_URI;
     static const std::string KEY_NAME;
