@@ -2,6 +2,7 @@
 
 #include <Poco/Net/StreamSocket.h>
 #include <Poco/SharedPtr.h>
+#include <Poco/Timespan.h>
 #include <Poco/Types.h>
 
 #include <string>
@@ -27,6 +28,9 @@ public:
     /// A socket connected to ADDRESS:PORT. Throws Poco::Net::NetException or a subclass of it:
     /// Poco::Net::ConnectionRefusedException when nobody listens, Poco::Net::HostNotFoundException for a
     /// name that does not resolve.
+
+    static Poco::SharedPtr<Poco::Net::StreamSocket> connect(const Poco::Timespan& timeout);
+    /// As connect(), waiting at most timeout for the connection; Poco::TimeoutException when it runs out.
 };
 
 } // namespace Orvi

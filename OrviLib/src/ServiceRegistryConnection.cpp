@@ -15,4 +15,11 @@ Poco::SharedPtr<Poco::Net::StreamSocket> ServiceRegistryConnection::connect()
     return socket;
 }
 
+Poco::SharedPtr<Poco::Net::StreamSocket> ServiceRegistryConnection::connect(const Poco::Timespan& timeout)
+{
+    Poco::SharedPtr<Poco::Net::StreamSocket> socket = new Poco::Net::StreamSocket();
+    socket->connect(Poco::Net::SocketAddress(ADDRESS, PORT), timeout);
+    return socket;
+}
+
 } // namespace Orvi

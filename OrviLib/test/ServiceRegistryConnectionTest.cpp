@@ -1,9 +1,13 @@
 #include "ServiceRegistryConnection.h"
 
+#include "TestSupport/FullBacklogListener.h"
+
+#include <Poco/Exception.h>
 #include <Poco/Net/NetException.h>
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/Net/StreamSocket.h>
+#include <Poco/Timespan.h>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +45,8 @@ Poco::UInt16 portNobodyListensOn()
     server.close();
     return port;
 }
+
+const Poco::Timespan SHORT_WAIT(0, 200000);
 
 std::string refusalText()
 {
@@ -88,4 +94,49 @@ TEST_F(ServiceRegistryConnectionTest, RaisesConnectionRefusedWhenNobodyListens)
 
     EXPECT_THROW(ServiceRegistryConnection::connect(), Poco::Net::ConnectionRefusedException);
     EXPECT_EQ(refusalText(), "Connection refused: 127.0.0.1:" + std::to_string(port));
+}
+
+TEST_F(ServiceRegistryConnectionTest, ConnectsWithinTheTimeoutToTheConfiguredAddressAndPort)
+{
+    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
+    ServiceRegistryConnection::PORT = server.address().port();
+
+    Poco::SharedPtr<Poco::Net::StreamSocket> sut = ServiceRegistryConnection::connect(SHORT_WAIT);
+
+    ASSERT_FALSE(sut.isNull());
+    EXPECT_EQ(sut->peerAddress().toString(), server.address().toString());
+    Poco::Net::StreamSocket accepted = server.acceptConnection();
+    EXPECT_EQ(accepted.peerAddress().toString(), sut->address().toString());
+}
+
+TEST_F(ServiceRegistryConnectionTest, RaisesConnectionRefusedWithinTheTimeoutWhenNobodyListens)
+{
+    ServiceRegistryConnection::PORT = portNobodyListensOn();
+
+    try
+    {
+        ServiceRegistryConnection::connect(SHORT_WAIT);
+        FAIL() << "connected";
+    }
+    catch (const Poco::Net::ConnectionRefusedException& error)
+    {
+        EXPECT_EQ(error.displayText(), "Connection refused");
+    }
+}
+
+TEST_F(ServiceRegistryConnectionTest, RaisesTimeoutWhenTheRegistryDoesNotAcceptInTime)
+{
+    ServiceDB::Test::FullBacklogListener listener;
+    ServiceRegistryConnection::PORT = listener.port();
+
+    try
+    {
+        ServiceRegistryConnection::connect(SHORT_WAIT);
+        FAIL() << "connected";
+    }
+    catch (const Poco::TimeoutException& error)
+    {
+        EXPECT_EQ(error.displayText(),
+                  "Timeout: connect timed out: 127.0.0.1:" + std::to_string(listener.port()));
+    }
 }
