@@ -24,7 +24,15 @@ ExampleHandlerFactory::createRequestHandler(const Poco::Net::HTTPServerRequest& 
     {
         return new Service::SubscriptionRequestHandler(*m_subscriptions);
     }
-    return new ExampleHandler(m_worker, m_cache, m_trigger);
+    return createStoreHandler(m_worker, m_cache, m_trigger);
+}
+
+HttpRequestHandlerBase*
+ExampleHandlerFactory::createStoreHandler(Util::MessageSync& worker,
+                                          Mapping::MappingServiceJSONDataCache& cache,
+                                          const Service::SubscriptionTrigger& trigger) const
+{
+    return new ExampleHandler(worker, cache, trigger);
 }
 
 } // namespace Orvi::Example

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HttpRequestHandlerBase.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Message/MessageSync.h"
 #include "SubscriptionHandling/SubscriptionService.h"
@@ -22,6 +23,12 @@ public:
     /// is answered as any GET.
 
     Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest& request) override;
+
+protected:
+    virtual HttpRequestHandlerBase* createStoreHandler(Util::MessageSync& worker,
+                                                       Mapping::MappingServiceJSONDataCache& cache,
+                                                       const Service::SubscriptionTrigger& trigger) const;
+    /// The handler of an exchange that is no upgrade: an ExampleHandler.
 
 private:
     Util::MessageSync& m_worker;

@@ -25,6 +25,22 @@ Poco::UInt64 numberAt(const std::string& option, const std::string& text, Poco::
     return number;
 }
 
+// HOST:PORT without a name lookup, so that a registry that is down cannot delay the command line.
+void readRegistry(const std::string& text, ExampleOptions& options)
+{
+    const std::string::size_type colon = text.rfind(':');
+    unsigned port = 0;
+    if (colon == std::string::npos || colon == 0 ||
+        !Poco::NumberParser::tryParseUnsigned(text.substr(colon + 1), port) || port == 0 ||
+        port > std::numeric_limits<Poco::UInt16>::max())
+    {
+        throw Poco::InvalidArgumentException(
+            "--registry needs HOST:PORT with a port from 1 to 65535, not \"" + text + "\"");
+    }
+    options.registryHost = text.substr(0, colon);
+    options.registryPort = static_cast<Poco::UInt16>(port);
+}
+
 } // namespace
 
 ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
@@ -40,7 +56,7 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
             continue;
         }
         if (option != "--port" && option != "--definitions" && option != "--tracks" &&
-            option != "--vehicle-rate" && option != "--log-level")
+            option != "--vehicle-rate" && option != "--registry" && option != "--log-level")
         {
             throw Poco::InvalidArgumentException("unknown option \"" + option + "\"");
         }
@@ -66,6 +82,10 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
         else if (option == "--vehicle-rate")
         {
             options.vehicleRate = static_cast<std::size_t>(numberAt(option, value, MAX_VEHICLE_RATE));
+        }
+        else if (option == "--registry")
+        {
+            readRegistry(value, options);
         }
         else
         {
@@ -93,12 +113,13 @@ ExampleOptions ExampleOptions::parse(const std::vector<std::string>& arguments,
 std::string ExampleOptions::usage()
 {
     return "usage: servicedb-example [--port N] [--definitions FILE]... [--tracks N] [--vehicle-rate N]\n"
-           "                         [--log-level LEVEL]\n"
+           "                         [--registry HOST:PORT] [--log-level LEVEL]\n"
            "  --port N            port to listen on at 127.0.0.1 (default 8080, 0 picks a free one)\n"
            "  --definitions FILE  service definition file, repeatable (default: the bundled cabin and "
            "audio)\n"
            "  --tracks N          number of generated tracks (default 1000)\n"
            "  --vehicle-rate N    steps of the simulated vehicle a second (default 2, 0 keeps it still)\n"
+           "  --registry H:P      register the services at the registry on host H, port P, while running\n"
            "  --log-level LEVEL   fatal, critical, error, warning, notice, information, debug or trace\n"
            "                      (default information)\n";
 }

@@ -10,7 +10,7 @@ namespace Orvi::Example
 {
 
 /// The command line of the example: --port N, --definitions FILE (repeatable), --tracks N,
-/// --vehicle-rate N, --log-level LEVEL and --help.
+/// --vehicle-rate N, --registry HOST:PORT, --log-level LEVEL and --help.
 class ExampleOptions
 {
 public:
@@ -35,6 +35,9 @@ public:
     std::size_t tracks = DEFAULT_TRACKS;
     std::size_t vehicleRate = DEFAULT_VEHICLE_RATE;
     /// Steps of the simulated vehicle a second; 0 keeps it still.
+    std::string registryHost;
+    /// Where the services are registered at start-up; empty for nowhere.
+    Poco::UInt16 registryPort = 0;
     std::string logLevel = DEFAULT_LOG_LEVEL;
     bool help = false;
 };

@@ -2,36 +2,20 @@
 #include "ExampleHandlerFactory.h"
 #include "ExampleOptions.h"
 #include "JSONDataCache/JSONDataCache.h"
-#include "Logging/Log.h"
 #include "Logging/LogStream.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Mapping/MappingServiceSubscrTrigger.h"
-#include "Message/MessageSync.h"
+#include "OrviServiceRegistryRegistration.h"
 #include "SampleData.h"
 #include "SchemaLoader/SchemaLoader.h"
-#include "SubscriptionHandling/SubscriptionLimits.h"
+#include "ServiceHost.h"
+#include "ServiceRegistryConnection.h"
 #include "SubscriptionHandling/SubscriptionService.h"
 #include "VehicleLink.h"
 #include "VehicleSimulation.h"
 
-#include <Poco/AutoPtr.h>
-#include <Poco/ConsoleChannel.h>
-#include <Poco/Exception.h>
-#include <Poco/FormattingChannel.h>
-#include <Poco/Logger.h>
-#include <Poco/Net/HTTPServer.h>
-#include <Poco/Net/HTTPServerParams.h>
-#include <Poco/Net/ServerSocket.h>
-#include <Poco/Net/SocketAddress.h>
-#include <Poco/PatternFormatter.h>
-#include <Poco/ThreadPool.h>
-#include <Poco/Timespan.h>
 #include <Poco/Timestamp.h>
 
-#include <csignal>
-#include <iostream>
-#include <memory>
-#include <pthread.h>
 #include <string>
 #include <vector>
 
@@ -39,26 +23,7 @@ namespace
 {
 
 using Orvi::Example::ExampleOptions;
-
-constexpr int EXIT_USAGE = 64;
-
-// Worker queue and server pool are sized together: every busy server thread holds one waiting message,
-// so the queue counts as full only well above the number of threads.
-constexpr std::size_t CRITICAL_QUEUE_SIZE = 64;
-constexpr int MAX_SERVER_THREADS = 16;
-constexpr int MAX_QUEUED_CONNECTIONS = 64;
-constexpr int KEEP_ALIVE_SECONDS = 5;
-constexpr int MAX_KEEP_ALIVE_REQUESTS = 100;
-constexpr std::size_t MAX_SUBSCRIBERS = 1000;
-
-void configureLogging(const std::string& level)
-{
-    Poco::AutoPtr<Poco::PatternFormatter> formatter(new Poco::PatternFormatter("%t"));
-    Poco::AutoPtr<Poco::FormattingChannel> channel(
-        new Poco::FormattingChannel(formatter, new Poco::ConsoleChannel));
-    Logging::Log::Logger().setChannel(channel);
-    Logging::Log::SetLogLevel(static_cast<Poco::Message::Priority>(Poco::Logger::parseLevel(level)), "");
-}
+using Orvi::Example::ServiceHost;
 
 void fillSampleData(Orvi::JSONDataCache::JSONDataCache& cache, const Orvi::DBData::ServiceMap& services,
                     std::size_t tracks)
@@ -78,24 +43,22 @@ void fillSampleData(Orvi::JSONDataCache::JSONDataCache& cache, const Orvi::DBDat
     }
 }
 
-int serve(const ExampleOptions& options, const sigset_t& stopSignals)
+ExampleOptions parseOptions(const std::vector<std::string>& arguments)
+{
+    return ExampleOptions::parse(arguments, {std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/cabin.json",
+                                             std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/audio.json"});
+}
+
+void serve(const ExampleOptions& options, ServiceHost& host)
 {
     Orvi::DBData::ServiceMap services;
     Orvi::Loader::SchemaLoader().loadFiles(options.definitions, services);
-
-    Poco::Net::ServerSocket socket(Poco::Net::SocketAddress("127.0.0.1", options.port));
-    const Poco::UInt16 port = socket.address().port();
-    // A service is answered only on its own port, so every service lives on the one we listen on.
-    for (auto& entry : services)
-    {
-        entry.second->setPort(port);
-    }
+    host.listen(services, options.port);
 
     // The handler comes first: the cache is built on it, and it delivers values back into the cache.
-    Orvi::Util::MessageSync worker(CRITICAL_QUEUE_SIZE);
-    Orvi::Example::ExampleDataHandler dataHandler(worker);
+    Orvi::Example::ExampleDataHandler dataHandler(host.worker());
     Orvi::Mapping::MappingServiceJSONDataCache cache(services, &dataHandler);
-    Orvi::Mapping::MappingServiceSubscrTrigger trigger(worker, &cache);
+    Orvi::Mapping::MappingServiceSubscrTrigger trigger(host.worker(), &cache);
     Orvi::Example::VehicleLink vehicle(cache, &trigger);
     dataHandler.attach(cache, vehicle);
     fillSampleData(cache, services, options.tracks);
@@ -106,75 +69,38 @@ int serve(const ExampleOptions& options, const sigset_t& stopSignals)
     {
         vehicle.connect();
     }
-    worker.start();
-    Orvi::Example::VehicleSimulation simulation(worker, vehicle, bundled ? options.vehicleRate : 0);
+    Orvi::Example::VehicleSimulation simulation(host.worker(), vehicle, bundled ? options.vehicleRate : 0);
 
-    Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;
-    params->setMaxThreads(MAX_SERVER_THREADS);
-    params->setMaxQueued(MAX_QUEUED_CONNECTIONS);
-    params->setKeepAlive(true);
-    params->setKeepAliveTimeout(Poco::Timespan(KEEP_ALIVE_SECONDS, 0));
-    params->setMaxKeepAliveRequests(MAX_KEEP_ALIVE_REQUESTS);
-    Poco::ThreadPool pool(2, MAX_SERVER_THREADS);
-    // Subscribers are served on the service's own threads; it goes before the worker, which it may wait for.
-    auto subscriptions = std::make_unique<Orvi::Service::SubscriptionService>(
-        trigger, Orvi::Service::SubscriptionLimits(MAX_SUBSCRIBERS));
-    Poco::Net::HTTPServer server(
-        new Orvi::Example::ExampleHandlerFactory(worker, cache, trigger, subscriptions.get()), pool, socket,
-        params);
-    server.start();
-    simulation.start();
-    LOG_INFO("Listening on http://127.0.0.1:" << port << "/");
-
-    int signal = 0;
-    sigwait(&stopSignals, &signal);
-    LOG_INFO("Stopping on signal " << signal);
-    simulation.stop();
-    server.stopAll(true);
-    pool.joinAll();
-    subscriptions.reset();
-    worker.stop();
-    return 0;
+    // Registered before the worker runs, since the assigned ids are written into the store; the socket
+    // listens already, so clients that find the services early wait for the server instead of failing.
+    Orvi::Service::OrviServiceRegistryRegistration registration;
+    if (!options.registryHost.empty())
+    {
+        Orvi::ServiceRegistryConnection::ADDRESS = options.registryHost;
+        Orvi::ServiceRegistryConnection::PORT = options.registryPort;
+        registration.setCache(cache);
+        if (registration.registerServicesImpl())
+        {
+            LOG_INFO("Registered " << registration.getRegisteredServices().size() << " services at "
+                                   << options.registryHost << ":" << options.registryPort);
+        }
+    }
+    host.serve(
+        trigger,
+        [&](Orvi::Service::SubscriptionService* subscriptions)
+        { return new Orvi::Example::ExampleHandlerFactory(host.worker(), cache, trigger, subscriptions); },
+        [&] { simulation.start(); },
+        [&]
+        {
+            simulation.stop();
+            registration.unregisterServices();
+        });
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    ExampleOptions options;
-    try
-    {
-        options = ExampleOptions::parse(arguments,
-                                        {std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/cabin.json",
-                                         std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/audio.json"});
-    }
-    catch (const Poco::Exception& e)
-    {
-        std::cerr << "servicedb-example: " << e.message() << "\n" << ExampleOptions::usage();
-        return EXIT_USAGE;
-    }
-    if (options.help)
-    {
-        std::cout << ExampleOptions::usage();
-        return 0;
-    }
-
-    // Blocked before any thread starts, so that every thread inherits the mask and only sigwait sees them.
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
-
-    configureLogging(options.logLevel);
-    try
-    {
-        return serve(options, stopSignals);
-    }
-    catch (const Poco::Exception& e)
-    {
-        std::cerr << "servicedb-example: " << e.displayText() << "\n";
-        return 1;
-    }
+    return ServiceHost::main<ExampleOptions>(
+        "servicedb-example", std::vector<std::string>(argv + 1, argv + argc), parseOptions, serve);
 }

@@ -36,8 +36,30 @@ TEST(ExampleOptions, GivesTheDefaultsWithoutArguments)
     EXPECT_EQ(sut.definitions, BUNDLED);
     EXPECT_EQ(sut.tracks, 1000U);
     EXPECT_EQ(sut.vehicleRate, 2U);
+    EXPECT_EQ(sut.registryHost, "");
+    EXPECT_EQ(sut.registryPort, 0);
     EXPECT_EQ(sut.logLevel, "information");
     EXPECT_FALSE(sut.help);
+}
+
+TEST(ExampleOptions, ReadsTheRegistryAsHostAndPort)
+{
+    const ExampleOptions sut = ExampleOptions::parse({"--registry", "registry.local:7410"}, BUNDLED);
+
+    EXPECT_EQ(sut.registryHost, "registry.local");
+    EXPECT_EQ(sut.registryPort, 7410);
+}
+
+TEST(ExampleOptions, RefusesARegistryWithoutAValidPort)
+{
+    for (const char* registry :
+         {"127.0.0.1", "127.0.0.1:", "127.0.0.1:0", "127.0.0.1:65536", ":7410", "host:x"})
+    {
+        EXPECT_EQ(refusal({"--registry", registry}),
+                  "--registry needs HOST:PORT with a port from 1 to 65535, not \"" + std::string(registry) +
+                      "\"")
+            << registry;
+    }
 }
 
 TEST(ExampleOptions, ReadsEveryOptionWithItsValue)
