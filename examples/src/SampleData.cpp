@@ -1,21 +1,34 @@
 #include "SampleData.h"
 
-#include "JSONDataCache/DBData/AttributeValue.h"
-#include "JSONDataCache/DBData/XObject.h"
+#include "Data/Attribute.h"
+#include "Data/AttributeValue.h"
+#include "Data/AttributeValueArray.h"
+#include "Data/AttributeValueObject.h"
+#include "Data/AttributeValueStringable.h"
 
 #include <Poco/Exception.h>
 #include <Poco/Format.h>
 #include <Poco/Types.h>
 #include <Poco/URI.h>
+#include <Poco/UUID.h>
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace Orvi::Example
 {
 
 namespace
 {
+
+using Data::AttributeValueInteger;
+using Data::AttributeValueIntegerUnsigned;
+using Data::AttributeValueNumber;
+using Data::AttributeValueString;
+using Data::ElementGeneric;
+using Reference = Data::AttributeValueObject<Data::XObjectGeneric>;
+using References = Data::AttributeValueArray<Reference>;
 
 // The first group of a UUID tells the kind of object, the last group its number.
 constexpr unsigned KIND_ARTIST = 0xa0000001;
@@ -40,10 +53,23 @@ std::size_t roundedUp(std::size_t count, std::size_t perGroup)
     return (count + perGroup - 1) / perGroup;
 }
 
-Poco::Dynamic::Var referenceTo(const std::string& service, const std::string& resource,
-                               const std::string& uuid)
+ElementGeneric element(const std::string& service, const std::string& resource, const std::string& uuid,
+                       const std::string& name)
 {
-    return Poco::URI("/" + service + "/" + resource + "/" + uuid);
+    return ElementGeneric(service, resource, name, Poco::UUID(uuid));
+}
+
+template <typename V>
+ElementGeneric& with(ElementGeneric& object, const char* name, const V& value)
+{
+    object.getAttributesRef().setValue(name, value);
+    return object;
+}
+
+Reference referenceTo(const std::string& service, const std::string& resource, const std::string& uuid)
+{
+    return Reference(Data::XObjectGeneric(std::string(), Poco::UUID(uuid),
+                                          Poco::URI("/" + service + "/" + resource + "/" + uuid), -1));
 }
 
 std::string numbered(const char* prefix, std::size_t index)
@@ -89,51 +115,57 @@ std::string SampleData::cabinUuid(std::size_t index)
 }
 
 SampleData::SampleData(JSONDataCache::JSONDataCache& cache)
-    : m_cache(cache)
+    : m_access(cache)
 {
 }
 
 void SampleData::fillCabin()
 {
-    const std::string driverZone = cabinUuid(0);
-    const std::string passengerZone = cabinUuid(1);
-    insert(CABIN, "zones", driverZone,
-           {{"name", "Driver"}, {"setPoint", 21.5}, {"fanLevel", 3}, {"mode", "auto"}});
-    insert(CABIN, "zones", passengerZone,
-           {{"name", "Passenger"}, {"setPoint", 22.0}, {"fanLevel", 2}, {"mode", "cool"}});
+    const auto zone =
+        [&](std::size_t index, const char* name, double setPoint, Poco::UInt64 fanLevel, const char* mode)
+    {
+        ElementGeneric object = element(CABIN, "zones", cabinUuid(index), name);
+        with(object, "setPoint", AttributeValueNumber(setPoint));
+        with(object, "fanLevel", AttributeValueIntegerUnsigned(fanLevel));
+        insert(with(object, "mode", AttributeValueString(mode)));
+    };
+    zone(0, "Driver", 21.5, 3, "auto");
+    zone(1, "Passenger", 22.0, 2, "cool");
 
-    const auto zoneOf = [&](const std::string& uuid) { return referenceTo(CABIN, "zones", uuid); };
-    insert(CABIN, "seats", cabinUuid(2),
-           {{"name", "Driver seat"}, {"position", -10}, {"heatingLevel", 2}, {"zone", zoneOf(driverZone)}});
-    insert(CABIN, "seats", cabinUuid(3),
-           {{"name", "Front passenger seat"},
-            {"position", 0},
-            {"heatingLevel", 0},
-            {"zone", zoneOf(passengerZone)}});
-    insert(CABIN, "seats", cabinUuid(4),
-           {{"name", "Rear left seat"}, {"position", 0}, {"heatingLevel", 1}, {"zone", zoneOf(driverZone)}});
-    insert(CABIN, "seats", cabinUuid(5),
-           {{"name", "Rear centre seat"},
-            {"position", 0},
-            {"heatingLevel", 0},
-            {"zone", zoneOf(passengerZone)}});
-    insert(
-        CABIN, "seats", cabinUuid(6),
-        {{"name", "Rear right seat"}, {"position", 5}, {"heatingLevel", 0}, {"zone", zoneOf(passengerZone)}});
+    const auto seat = [&](std::size_t index, const char* name, Poco::Int64 position,
+                          Poco::UInt64 heatingLevel, std::size_t zoneIndex)
+    {
+        ElementGeneric object = element(CABIN, "seats", cabinUuid(index), name);
+        with(object, "position", AttributeValueInteger(position));
+        with(object, "heatingLevel", AttributeValueIntegerUnsigned(heatingLevel));
+        insert(with(object, "zone", referenceTo(CABIN, "zones", cabinUuid(zoneIndex))));
+    };
+    seat(2, "Driver seat", -10, 2, 0);
+    seat(3, "Front passenger seat", 0, 0, 1);
+    seat(4, "Rear left seat", 0, 1, 0);
+    seat(5, "Rear centre seat", 0, 0, 1);
+    seat(6, "Rear right seat", 5, 0, 1);
 
-    insert(CABIN, "doors", cabinUuid(7), {{"name", "Front left door"}, {"state", "closed"}});
-    insert(CABIN, "doors", cabinUuid(8), {{"name", "Front right door"}, {"state", "closed"}});
-    insert(CABIN, "doors", cabinUuid(9), {{"name", "Rear left door"}, {"state", "closed"}});
-    insert(CABIN, "doors", cabinUuid(10), {{"name", "Rear right door"}, {"state", "open"}});
+    const auto door = [&](std::size_t index, const char* name, const char* state)
+    {
+        ElementGeneric object = element(CABIN, "doors", cabinUuid(index), name);
+        insert(with(object, "state", AttributeValueString(state)));
+    };
+    door(7, "Front left door", "closed");
+    door(8, "Front right door", "closed");
+    door(9, "Rear left door", "closed");
+    door(10, "Rear right door", "open");
 
-    insert(CABIN, "windows", cabinUuid(11),
-           {{"name", "Front left window"}, {"state", "closed"}, {"position", 0}});
-    insert(CABIN, "windows", cabinUuid(12),
-           {{"name", "Front right window"}, {"state", "open"}, {"position", 25}});
-    insert(CABIN, "windows", cabinUuid(13),
-           {{"name", "Rear left window"}, {"state", "closed"}, {"position", 0}});
-    insert(CABIN, "windows", cabinUuid(14),
-           {{"name", "Rear right window"}, {"state", "open"}, {"position", 100}});
+    const auto window = [&](std::size_t index, const char* name, const char* state, Poco::UInt64 position)
+    {
+        ElementGeneric object = element(CABIN, "windows", cabinUuid(index), name);
+        with(object, "state", AttributeValueString(state));
+        insert(with(object, "position", AttributeValueIntegerUnsigned(position)));
+    };
+    window(11, "Front left window", "closed", 0);
+    window(12, "Front right window", "open", 25);
+    window(13, "Rear left window", "closed", 0);
+    window(14, "Rear right window", "open", 100);
 }
 
 SampleData::Counts SampleData::fillAudio(std::size_t trackCount)
@@ -141,63 +173,50 @@ SampleData::Counts SampleData::fillAudio(std::size_t trackCount)
     const Counts counts = countsFor(trackCount);
     for (std::size_t artist = 0; artist < counts.artists; ++artist)
     {
-        insert(AUDIO, "artists", artistUuid(artist),
-               {{"name", numbered("Artist ", artist)}, {"country", COUNTRIES[artist % COUNTRIES.size()]}});
+        ElementGeneric object = element(AUDIO, "artists", artistUuid(artist), numbered("Artist ", artist));
+        insert(with(object, "country", AttributeValueString(COUNTRIES[artist % COUNTRIES.size()])));
     }
     for (std::size_t album = 0; album < counts.albums; ++album)
     {
-        insert(AUDIO, "albums", albumUuid(album),
-               {{"name", numbered("Album ", album)},
-                {"artist", referenceTo(AUDIO, "artists", artistUuid(album / ALBUMS_PER_ARTIST))},
-                {"year", static_cast<int>(1960 + album % 60)}});
+        ElementGeneric object = element(AUDIO, "albums", albumUuid(album), numbered("Album ", album));
+        with(object, "artist", referenceTo(AUDIO, "artists", artistUuid(album / ALBUMS_PER_ARTIST)));
+        insert(with(object, "year", AttributeValueInteger(static_cast<Poco::Int64>(1960 + album % 60))));
     }
     for (std::size_t track = 0; track < counts.tracks; ++track)
     {
         const std::size_t album = track / TRACKS_PER_ALBUM;
         const std::string title = numbered("Track ", track);
-        insert(AUDIO, "tracks", trackUuid(track),
-               {{"name", title},
-                {"title", title},
-                {"genre", GENRES[track % GENRES.size()]},
-                {"duration", static_cast<int>(120 + track * 37 % 300)},
-                {"year", static_cast<int>(1960 + album % 60)},
-                {"album", referenceTo(AUDIO, "albums", albumUuid(album))},
-                {"artist", referenceTo(AUDIO, "artists", artistUuid(album / ALBUMS_PER_ARTIST))}});
+        ElementGeneric object = element(AUDIO, "tracks", trackUuid(track), title);
+        with(object, "title", AttributeValueString(title));
+        with(object, "genre", AttributeValueString(GENRES[track % GENRES.size()]));
+        with(object, "duration",
+             AttributeValueIntegerUnsigned(static_cast<Poco::UInt64>(120 + track * 37 % 300)));
+        with(object, "year", AttributeValueInteger(static_cast<Poco::Int64>(1960 + album % 60)));
+        with(object, "album", referenceTo(AUDIO, "albums", albumUuid(album)));
+        insert(with(object, "artist", referenceTo(AUDIO, "artists", artistUuid(album / ALBUMS_PER_ARTIST))));
     }
     const std::size_t length = std::min(PLAYLIST_LENGTH, counts.tracks);
     for (std::size_t playlist = 0; playlist < counts.playlists; ++playlist)
     {
-        DBData::AttributeValue::ValueArrayPtr tracks(new DBData::AttributeValue::ValueArray);
-        tracks->reserve(length);
+        std::vector<Reference> tracks;
+        tracks.reserve(length);
         for (std::size_t k = 0; k < length; ++k)
         {
             const std::size_t track = (playlist * TRACKS_PER_PLAYLIST_START + k) % counts.tracks;
-            tracks->push_back(referenceTo(AUDIO, "tracks", trackUuid(track)));
+            tracks.push_back(referenceTo(AUDIO, "tracks", trackUuid(track)));
         }
-        insert(AUDIO, "playlists", playlistUuid(playlist),
-               {{"name", numbered("Playlist ", playlist)}, {"tracks", Poco::Dynamic::Var(tracks)}});
+        ElementGeneric object =
+            element(AUDIO, "playlists", playlistUuid(playlist), numbered("Playlist ", playlist));
+        insert(with(object, "tracks", References(tracks)));
     }
     return counts;
 }
 
-void SampleData::insert(const std::string& service, const std::string& resource, const std::string& uuid,
-                        Values values)
+void SampleData::insert(const Data::ElementGeneric& object)
 {
-    std::string newUuid = uuid;
-    if (!m_cache.insertXObject(service, resource, newUuid))
+    if (!m_access.insertElement(object).success())
     {
-        throw Poco::InvalidArgumentException("cannot create sample object " + uuid + " in /" + service + "/" +
-                                             resource);
-    }
-    const DBData::XObject::Ptr object = m_cache.selectXObject(newUuid, 0);
-    for (const auto& [name, value] : values)
-    {
-        DBData::AttributeValuePtr cell = object->getValue(name);
-        if (cell.isNull() || !cell->setValue(value) || !m_cache.updateCacheAttributeValueById(*cell, false))
-        {
-            throw Poco::InvalidArgumentException("cannot write sample value " + std::string(name) + " of " +
-                                                 uuid);
-        }
+        throw Poco::InvalidArgumentException("cannot create sample object " + object.getUri().toString());
     }
 }
 

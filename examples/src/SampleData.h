@@ -1,13 +1,11 @@
 #pragma once
 
+#include "Data/GenericObject.h"
+#include "DataAccess/DBDataAccessPoint.h"
 #include "JSONDataCache/JSONDataCache.h"
 
-#include <Poco/Dynamic/Var.h>
-
 #include <cstddef>
-#include <initializer_list>
 #include <string>
-#include <utility>
 
 namespace Orvi::Example
 {
@@ -52,13 +50,11 @@ public:
     /// Artists, albums, tracks and playlists for the given number of tracks; gives back the counts.
 
 private:
-    using Values = std::initializer_list<std::pair<const char*, Poco::Dynamic::Var>>;
+    void insert(const Data::ElementGeneric& element);
+    /// Creates the object under the element's UUID through the data access point, as program code
+    /// would; raises Poco::InvalidArgumentException when the store refuses it.
 
-    void insert(const std::string& service, const std::string& resource, const std::string& uuid,
-                Values values);
-    /// Creates the object and writes its values cell by cell, as a client's POST would.
-
-    JSONDataCache::JSONDataCache& m_cache;
+    Service::DBDataAccessPoint m_access;
 };
 
 } // namespace Orvi::Example

@@ -1,8 +1,8 @@
 #include "VehicleLink.h"
 
+#include "Data/AttributeValueBase.h"
+#include "Data/ElementBase.h"
 #include "ExampleDataHandler.h"
-#include "JSONDataCache/DBData/Element.h"
-#include "JSONDataCache/DBData/XObject.h"
 #include "Logging/LogStream.h"
 #include "SampleData.h"
 
@@ -33,7 +33,7 @@ double roundToTenth(double value)
 
 VehicleLink::VehicleLink(Mapping::MappingServiceJSONDataCache& cache, Service::SubscriptionTrigger* trigger)
     : ServiceDataHandlerOutputBaseImplDBData(&cache, trigger)
-    , m_cache(cache)
+    , m_access(cache)
 {
     setMappingServiceManager(&m_manager);
 }
@@ -45,18 +45,17 @@ void VehicleLink::connect()
     for (const char* name : {"Driver", "Passenger"})
     {
         const Mapping::XObjectId dbId = getDBIdForObject(ExampleDataHandler::CABIN, ZONES, name);
-        DBData::XObject zone{DBData::Element::Ptr()};
-        if (dbId < 0 || !m_cache.selectXObjectByID(dbId, zone, 0, false))
+        const Data::ElementBase::Ptr zone = dbId < 0 ? Data::ElementBase::Ptr() : m_access.getElement(dbId);
+        if (zone.isNull())
         {
             continue;
         }
-        const std::string uuid = zone.getId().toString();
+        const std::string uuid = zone->getId().toString();
         Zone& state = m_zones[uuid];
         state.objId = objectIdFor(ExampleDataHandler::CABIN, ZONES, uuid);
-        const DBData::AttributeValuePtr setPoint = zone.getValue(SET_POINT);
-        if (setPoint && !setPoint->getValue().isEmpty())
+        if (const Data::AttributeValueBase* setPoint = zone->getValue(SET_POINT))
         {
-            state.setPoint = setPoint->getValue().convert<double>();
+            state.setPoint = setPoint->asGeneric().convert<double>();
         }
         Poco::JSON::Object::Ptr values(new Poco::JSON::Object);
         values->set(TEMPERATURE, state.temperature);
@@ -67,18 +66,17 @@ void VehicleLink::connect()
 
 void VehicleLink::startPlayer()
 {
-    DBData::XObject track{DBData::Element::Ptr()};
-    if (!m_cache.selectXObjectByUUID(ExampleDataHandler::AUDIO, TRACKS, SampleData::trackUuid(0), track, 0,
-                                     false))
+    const Data::ElementBase::Ptr track =
+        m_access.getElement(ExampleDataHandler::AUDIO, TRACKS, SampleData::trackUuid(0));
+    if (track.isNull())
     {
         return;
     }
-    const DBData::AttributeValuePtr duration = track.getValue("duration");
-    m_trackDuration =
-        duration && !duration->getValue().isEmpty() ? duration->getValue().convert<Poco::UInt32>() : 0;
+    const Data::AttributeValueBase* duration = track->getValue("duration");
+    m_trackDuration = duration != nullptr ? duration->asGeneric().convert<Poco::UInt32>() : 0;
     Poco::JSON::Object::Ptr values(new Poco::JSON::Object);
     values->set("name", "Now playing");
-    values->set("track", static_cast<long>(track.getDBID()));
+    values->set("track", static_cast<long>(track->id()));
     values->set(POSITION, m_playerPosition);
     values->set("state", "playing");
     if (executeMappingToDb(PLAYER_ID, ExampleDataHandler::AUDIO, PLAYER, 0, values, m_playerUuid) !=
@@ -143,13 +141,13 @@ Poco::Int32 VehicleLink::objectIdFor(const std::string& service, const std::stri
     {
         return known->second;
     }
-    DBData::XObject object{DBData::Element::Ptr()};
-    if (!m_cache.selectXObjectByUUID(service, resource, uuid, object, 0, false))
+    const Data::ElementBase::Ptr object = m_access.getElement(service, resource, uuid);
+    if (object.isNull())
     {
         return 0;
     }
     const Poco::Int32 objId = m_nextObjId++;
-    m_manager.idMapper().addXObjId(objId, object.getDBID(), 0);
+    m_manager.idMapper().addXObjId(objId, object->id(), 0);
     m_objIdsByAddress.emplace(std::make_pair(service + "/" + resource, uuid), objId);
     return objId;
 }

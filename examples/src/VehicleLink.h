@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DataAccess/DBDataAccessPoint.h"
 #include "Mapping/DataHandler/ServiceDataHandlerOutputBaseImplDBData.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "MappingServiceManager.h"
@@ -69,7 +70,7 @@ private:
                                            const std::string& resource,
                                            const Poco::JSON::Object::Ptr& values);
 
-    Mapping::MappingServiceJSONDataCache& m_cache;
+    Service::DBDataAccessPoint m_access;
     Mapping::MappingServiceManager m_manager;
     std::map<std::pair<std::string, std::string>, Poco::Int32> m_objIdsByAddress;
     std::map<std::string, Zone> m_zones;
