@@ -1,8 +1,8 @@
 #include "OrviServiceRegistryRegistration.h"
 
 #include "ApplicationServices.h"
-#include "Data/AttributeValueArray.h"
 #include "Data/AttributeValueStringable.h"
+#include "JSONDataCache/DBData/OrviDataConverter.h"
 #include "Logging/LogStream.h"
 
 #include <Poco/Any.h>
@@ -24,20 +24,6 @@ const std::string SELECTION_FAILED = "Selection of services failed.";
 const std::string REGISTRATION_FAILED = "Registration of services failed.";
 const std::string INVALID_SERVICE_POINTER = "Invalid service pointer";
 const std::string WRONG_LOCATOR_ENTRY = "Failed to convert between Any types";
-
-Data::AttributeValueStringArray toStringArray(const DBData::Service::StringList& texts)
-{
-    Data::AttributeValueStringArray result;
-    for (const Poco::SharedPtr<std::string>& text : texts)
-    {
-        // An empty entry holds no text to announce.
-        if (!text.isNull())
-        {
-            result.addElement(Data::AttributeValueString(*text));
-        }
-    }
-    return result;
-}
 
 } // namespace
 
@@ -122,9 +108,10 @@ bool OrviServiceRegistryRegistration::getServiceListImpl(std::vector<MicroServic
                               service->getDescription());
         info.getAttributesRef().setValue(Data::XObjectBase::KEY_ID,
                                          Data::AttributeValueUUID(service->getId().get()));
-        info.setVersions(toStringArray(service->getVersions()));
-        info.setPrivileges(toStringArray(service->getPrivileges()));
-        info.setServiceCategories(toStringArray(service->getServiceCategories()));
+        info.setVersions(DBData::OrviDataConverter::createStringArray(service->getVersions()));
+        info.setPrivileges(DBData::OrviDataConverter::createStringArray(service->getPrivileges()));
+        info.setServiceCategories(
+            DBData::OrviDataConverter::createStringArray(service->getServiceCategories()));
         list.push_back(info);
     }
     return true;

@@ -535,4 +535,17 @@ TEST(OrviDataConverter, ConvertsAnIdCellOfAnyObjectIntoAUuid)
     EXPECT_EQ(sut.getId(), Poco::UUID(BO));
 }
 
+TEST(OrviDataConverterTest, CreatesAStringArrayOfTheTextsOfAServiceListLeavingOutEmptyEntries)
+{
+    const Orvi::DBData::Service::StringList texts{new std::string("comfort"), nullptr,
+                                                  new std::string("body")};
+
+    const Orvi::Data::AttributeValueStringArray sut =
+        Orvi::DBData::OrviDataConverter::createStringArray(texts);
+
+    ASSERT_EQ(sut.size(), 2U);
+    EXPECT_EQ(sut.getValueArray()[0]->asGeneric().toString(), "comfort");
+    EXPECT_EQ(sut.getValueArray()[1]->asGeneric().toString(), "body");
+}
+
 } // namespace

@@ -1,8 +1,7 @@
 #include "DataAccess/ServiceAccess.h"
 
-#include "Data/AttributeValueArray.h"
-#include "Data/AttributeValueStringable.h"
 #include "DataAccess/ResourceAccess.h"
+#include "JSONDataCache/DBData/OrviDataConverter.h"
 #include "JSONDataCache/DBData/Resource.h"
 
 #include <Poco/Exception.h>
@@ -17,19 +16,6 @@ namespace
 {
 
 const std::string INVALID_SERVICE_POINTER = "Invalid service pointer";
-
-Data::AttributeValueStringArray toStringArray(const DBData::Service::StringList& list)
-{
-    Data::AttributeValueStringArray result;
-    for (const Poco::SharedPtr<std::string>& entry : list)
-    {
-        if (!entry.isNull())
-        {
-            result.addElement(Data::AttributeValueString(*entry));
-        }
-    }
-    return result;
-}
 
 } // namespace
 
@@ -78,9 +64,9 @@ void ServiceAccess::initAttributes()
     updateServiceId(m_base->getId().get());
     setPort(m_base->getPort());
     setDescription(m_base->getDescription());
-    setPrivileges(toStringArray(m_base->getPrivileges()));
-    setVersions(toStringArray(m_base->getVersions()));
-    setServiceCategories(toStringArray(m_base->getServiceCategories()));
+    setPrivileges(DBData::OrviDataConverter::createStringArray(m_base->getPrivileges()));
+    setVersions(DBData::OrviDataConverter::createStringArray(m_base->getVersions()));
+    setServiceCategories(DBData::OrviDataConverter::createStringArray(m_base->getServiceCategories()));
 }
 
 const DBData::Service& ServiceAccess::row() const

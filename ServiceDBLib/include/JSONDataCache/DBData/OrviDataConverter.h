@@ -6,6 +6,7 @@
 #include "Data/DataTypes.h"
 #include "Data/GenericObject.h"
 #include "JSONDataCache/DBData/AttributeValue.h"
+#include "JSONDataCache/DBData/Service.h"
 #include "JSONDataCache/DBData/XObject.h"
 
 #include <Poco/Dynamic/Var.h>
@@ -34,6 +35,9 @@ struct OrviDataConverter
     static Data::AttributeBase* createAttribute(Data::XObjectId parentId, const AttributeValue& value);
     /// A new Attribute<V>, or Attribute<AttributeValueArray<V>> for an array cell; null for a cell
     /// without definition or value, and for an array cell without a vector.
+
+    static Data::AttributeValueStringArray createStringArray(const Service::StringList& texts);
+    /// The texts of a service row's list, in order; an empty entry holds no text and is left out.
 
     template <typename T>
     static T extractValue(const Poco::Dynamic::Var& var);

@@ -177,4 +177,17 @@ Data::XObjectGeneric OrviDataConverter::extractValue<Data::XObjectGeneric>(const
     return Data::XObjectGeneric(name, Poco::UUID(path.getElement()), uri, -1);
 }
 
+Data::AttributeValueStringArray OrviDataConverter::createStringArray(const Service::StringList& texts)
+{
+    Data::AttributeValueStringArray result;
+    for (const Poco::SharedPtr<std::string>& text : texts)
+    {
+        if (!text.isNull())
+        {
+            result.addElement(Data::AttributeValueString(*text));
+        }
+    }
+    return result;
+}
+
 } // namespace Orvi::DBData
