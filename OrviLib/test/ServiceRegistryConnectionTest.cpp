@@ -1,6 +1,7 @@
 #include "ServiceRegistryConnection.h"
 
 #include "TestSupport/FullBacklogListener.h"
+#include "TestSupport/RegistryAddressGuard.h"
 
 #include <Poco/Exception.h>
 #include <Poco/Net/NetException.h>
@@ -14,6 +15,7 @@
 #include <string>
 
 using Orvi::ServiceRegistryConnection;
+using ServiceDB::Test::RegistryAddressGuard;
 
 namespace
 {
@@ -21,30 +23,9 @@ namespace
 // Keeps the process-wide registry address of one test from leaking into the next.
 class ServiceRegistryConnectionTest : public ::testing::Test
 {
-protected:
-    void SetUp() override
-    {
-        m_address = ServiceRegistryConnection::ADDRESS;
-        m_port = ServiceRegistryConnection::PORT;
-    }
-    void TearDown() override
-    {
-        ServiceRegistryConnection::ADDRESS = m_address;
-        ServiceRegistryConnection::PORT = m_port;
-    }
-
 private:
-    std::string m_address;
-    Poco::UInt16 m_port = 0;
+    RegistryAddressGuard m_address;
 };
-
-Poco::UInt16 portNobodyListensOn()
-{
-    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
-    const Poco::UInt16 port = server.address().port();
-    server.close();
-    return port;
-}
 
 const Poco::Timespan SHORT_WAIT(0, 200000);
 
@@ -89,7 +70,7 @@ TEST_F(ServiceRegistryConnectionTest, ConnectsToTheConfiguredAddressAndPort)
 
 TEST_F(ServiceRegistryConnectionTest, RaisesConnectionRefusedWhenNobodyListens)
 {
-    const Poco::UInt16 port = portNobodyListensOn();
+    const Poco::UInt16 port = RegistryAddressGuard::closedPort();
     ServiceRegistryConnection::PORT = port;
 
     EXPECT_THROW(ServiceRegistryConnection::connect(), Poco::Net::ConnectionRefusedException);
@@ -111,7 +92,7 @@ TEST_F(ServiceRegistryConnectionTest, ConnectsWithinTheTimeoutToTheConfiguredAdd
 
 TEST_F(ServiceRegistryConnectionTest, RaisesConnectionRefusedWithinTheTimeoutWhenNobodyListens)
 {
-    ServiceRegistryConnection::PORT = portNobodyListensOn();
+    ServiceRegistryConnection::PORT = RegistryAddressGuard::closedPort();
 
     try
     {

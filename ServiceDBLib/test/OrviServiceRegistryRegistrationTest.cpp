@@ -12,8 +12,8 @@
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/JSONDataCache.h"
 #include "ServiceLocator.h"
-#include "ServiceRegistryConnection.h"
 #include "TestSupport/LogCapture.h"
+#include "TestSupport/RegistryAddressGuard.h"
 #include "TestSupport/TestServiceRegistry.h"
 
 #include <Poco/Exception.h>
@@ -26,7 +26,6 @@
 #include <vector>
 
 using Orvi::MicroServiceInfo;
-using Orvi::ServiceRegistryConnection;
 using Orvi::DBData::ServiceMap;
 using Orvi::JSONDataCache::JSONDataCache;
 using Orvi::Service::OrviServiceRegistryRegistration;
@@ -35,6 +34,7 @@ using Orvi::Util::ServiceLocator;
 using ServiceDB::Test::AnnouncedService;
 using ServiceDB::Test::IdRefusingCache;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::RegistryAddressGuard;
 using ServiceDB::Test::TestServiceRegistry;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -120,27 +120,19 @@ class OrviServiceRegistryRegistrationTest : public ::testing::Test
 {
 protected:
     OrviServiceRegistryRegistrationTest()
-        : m_address(ServiceRegistryConnection::ADDRESS)
-        , m_port(ServiceRegistryConnection::PORT)
-        , m_locator(ApplicationServices::getLocator())
+        : m_locator(ApplicationServices::getLocator())
     {
-        ServiceRegistryConnection::ADDRESS = "127.0.0.1";
-        ServiceRegistryConnection::PORT = registry.port();
         ApplicationServices::setLocator(nullptr);
     }
 
-    ~OrviServiceRegistryRegistrationTest() override
-    {
-        ApplicationServices::setLocator(m_locator);
-        ServiceRegistryConnection::ADDRESS = m_address;
-        ServiceRegistryConnection::PORT = m_port;
-    }
+    ~OrviServiceRegistryRegistrationTest() override { ApplicationServices::setLocator(m_locator); }
 
     std::string uuidOf(const std::string& service) { return cache->selectService(service)->getUUID(); }
 
     std::vector<std::string> memberList() const { return describeAll(sut.getRegisteredServices()); }
 
     TestServiceRegistry registry;
+    RegistryAddressGuard address{registry.port()};
     LogCapture log;
     ServiceMap services = describedFleet();
     Poco::SharedPtr<JSONDataCache> cache = new JSONDataCache(services);
@@ -148,8 +140,6 @@ protected:
     OrviServiceRegistryRegistration sut;
 
 private:
-    std::string m_address;
-    Poco::UInt16 m_port;
     Orvi::Util::ServiceLocator* m_locator;
 };
 

@@ -4,11 +4,10 @@
 #include "Data/AttributeValueStringable.h"
 #include "Data/MicroServiceInfo.h"
 #include "TestSupport/LogCapture.h"
+#include "TestSupport/RegistryAddressGuard.h"
 #include "TestSupport/TestServiceRegistry.h"
 
 #include <Poco/Net/HTTPResponse.h>
-#include <Poco/Net/ServerSocket.h>
-#include <Poco/Net/SocketAddress.h>
 #include <Poco/URI.h>
 #include <Poco/UUID.h>
 
@@ -22,6 +21,7 @@ using Orvi::MicroServiceInfo;
 using Orvi::Service::ServiceRegistrationHelper;
 using Orvi::Service::ServiceRegistryAbstraction;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::RegistryAddressGuard;
 using ServiceDB::Test::TestServiceRegistry;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -72,32 +72,10 @@ std::string describe(const MicroServiceInfo& info)
     return text;
 }
 
-Poco::UInt16 portNobodyListensOn()
-{
-    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
-    const Poco::UInt16 port = server.address().port();
-    server.close();
-    return port;
-}
-
 // Points the registry address at the test registry and restores the process-wide address afterwards.
 class ServiceRegistrationHelperTest : public ::testing::Test
 {
 protected:
-    ServiceRegistrationHelperTest()
-        : m_address(ServiceRegistryAbstraction::ADDRESS)
-        , m_port(ServiceRegistryAbstraction::PORT)
-    {
-        ServiceRegistryAbstraction::ADDRESS = "127.0.0.1";
-        ServiceRegistryAbstraction::PORT = registry.port();
-    }
-
-    ~ServiceRegistrationHelperTest() override
-    {
-        ServiceRegistryAbstraction::ADDRESS = m_address;
-        ServiceRegistryAbstraction::PORT = m_port;
-    }
-
     std::vector<std::string> memberList() const
     {
         std::vector<std::string> result;
@@ -118,15 +96,12 @@ protected:
     }
 
     TestServiceRegistry registry;
+    RegistryAddressGuard address{registry.port()};
     LogCapture log;
     ServiceRegistrationHelper sut;
     MicroServiceInfo cabin = service("cabin", 8080, "Seats and doors");
     MicroServiceInfo media = service("media", 8081, "Audio sources");
     MicroServiceInfo lights = service("lights", 8082, "Interior lights");
-
-private:
-    std::string m_address;
-    Poco::UInt16 m_port;
 };
 
 } // namespace
@@ -218,7 +193,7 @@ TEST_F(ServiceRegistrationHelperTest, WarnsWhenNoServiceOfThatNameAndPortIsRegis
 TEST_F(ServiceRegistrationHelperTest, KeepsTheRegistrationWhenTheRegistryCannotBeReached)
 {
     registerAll({cabin});
-    ServiceRegistryAbstraction::PORT = portNobodyListensOn();
+    ServiceRegistryAbstraction::PORT = RegistryAddressGuard::closedPort();
 
     const bool result = sut.unregisterService("cabin", 8080);
 

@@ -6,11 +6,10 @@
 #include "Support/RawReplyServer.h"
 #include "TestSupport/FullBacklogListener.h"
 #include "TestSupport/LogCapture.h"
+#include "TestSupport/RegistryAddressGuard.h"
 #include "TestSupport/TestServiceRegistry.h"
 
 #include <Poco/Net/HTTPResponse.h>
-#include <Poco/Net/ServerSocket.h>
-#include <Poco/Net/SocketAddress.h>
 #include <Poco/Timespan.h>
 #include <Poco/URI.h>
 #include <Poco/UUID.h>
@@ -27,6 +26,7 @@ using Orvi::Service::ServiceRegistryAbstraction;
 using ServiceDB::Test::FullBacklogListener;
 using ServiceDB::Test::LogCapture;
 using ServiceDB::Test::RawReplyServer;
+using ServiceDB::Test::RegistryAddressGuard;
 using ServiceDB::Test::TestServiceRegistry;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -89,32 +89,10 @@ MicroServiceInfo registered(MicroServiceInfo info, const std::string& id)
     return info;
 }
 
-Poco::UInt16 portNobodyListensOn()
-{
-    Poco::Net::ServerSocket server(Poco::Net::SocketAddress("127.0.0.1", 0));
-    const Poco::UInt16 port = server.address().port();
-    server.close();
-    return port;
-}
-
 // Points the registry address at the test registry and restores the process-wide address afterwards.
 class ServiceRegistryAbstractionTest : public ::testing::Test
 {
 protected:
-    ServiceRegistryAbstractionTest()
-        : m_address(ServiceRegistryAbstraction::ADDRESS)
-        , m_port(ServiceRegistryAbstraction::PORT)
-    {
-        ServiceRegistryAbstraction::ADDRESS = "127.0.0.1";
-        ServiceRegistryAbstraction::PORT = registry.port();
-    }
-
-    ~ServiceRegistryAbstractionTest() override
-    {
-        ServiceRegistryAbstraction::ADDRESS = m_address;
-        ServiceRegistryAbstraction::PORT = m_port;
-    }
-
     // The start of every failure line, naming the registry that the test talks to.
     static std::string registering(const std::string& name)
     {
@@ -131,12 +109,9 @@ protected:
     }
 
     TestServiceRegistry registry;
+    RegistryAddressGuard address{registry.port()};
     LogCapture log;
     ServiceRegistryAbstraction sut;
-
-private:
-    std::string m_address;
-    Poco::UInt16 m_port;
 };
 
 } // namespace
@@ -268,7 +243,7 @@ TEST_F(ServiceRegistryAbstractionTest, LogsATakeBackThatFailsAfterTheRefusal)
 
 TEST_F(ServiceRegistryAbstractionTest, FailsWithoutConnectionWhenNobodyListens)
 {
-    ServiceRegistryAbstraction::PORT = portNobodyListensOn();
+    ServiceRegistryAbstraction::PORT = RegistryAddressGuard::closedPort();
     std::vector<MicroServiceInfo> list{cabin()};
 
     const bool result = sut.registerServices(list);
@@ -480,7 +455,7 @@ TEST_F(ServiceRegistryAbstractionTest, FailsToUnregisterWhenTheRegistryAnswersAn
 
 TEST_F(ServiceRegistryAbstractionTest, FailsToUnregisterWhenNobodyListens)
 {
-    ServiceRegistryAbstraction::PORT = portNobodyListensOn();
+    ServiceRegistryAbstraction::PORT = RegistryAddressGuard::closedPort();
 
     const bool result = sut.unregisterService(cabin());
 

@@ -3,8 +3,8 @@
 #include "Data/MicroServiceInfo.h"
 #include "LiveRegistryFixture.h"
 #include "SchemaLoader/SchemaLoader.h"
-#include "ServiceRegistryConnection.h"
 #include "TestSupport/LogCapture.h"
+#include "TestSupport/RegistryAddressGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -26,20 +26,11 @@ class RegistryRegistration : public ServiceDB::Registry::Test::LiveRegistryFixtu
 protected:
     RegistryRegistration()
         : clientCache(clientServices, nullptr)
-        , savedAddress(Orvi::ServiceRegistryConnection::ADDRESS)
-        , savedPort(Orvi::ServiceRegistryConnection::PORT)
+        , address(server->port())
     {
         Orvi::Loader::SchemaLoader().loadFiles(
             {EXAMPLE_DEFINITIONS + "/cabin.json", EXAMPLE_DEFINITIONS + "/audio.json"}, clientServices);
-        Orvi::ServiceRegistryConnection::ADDRESS = "127.0.0.1";
-        Orvi::ServiceRegistryConnection::PORT = server->port();
         sut.setCache(clientCache);
-    }
-
-    ~RegistryRegistration() override
-    {
-        Orvi::ServiceRegistryConnection::ADDRESS = savedAddress;
-        Orvi::ServiceRegistryConnection::PORT = savedPort;
     }
 
     /// The ids that the registry assigned, by service name.
@@ -86,9 +77,8 @@ protected:
 
     Orvi::DBData::ServiceMap clientServices;
     Orvi::Mapping::MappingServiceJSONDataCache clientCache;
+    ServiceDB::Test::RegistryAddressGuard address;
     Orvi::Service::OrviServiceRegistryRegistration sut;
-    const std::string savedAddress;
-    const Poco::UInt16 savedPort;
 };
 
 TEST_F(RegistryRegistration, RegistersEveryServiceOfTheCacheUnderTheIdsThatTheRegistryAssigned)
