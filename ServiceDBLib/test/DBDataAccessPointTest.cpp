@@ -6,13 +6,13 @@
 #include "Data/AttributeValueStringable.h"
 #include "Data/GenericObject.h"
 #include "JSONDataCache/DBData/Service.h"
+#include "TestSupport/JsonText.h"
 #include "TestSupport/LogCapture.h"
 #include "TypedFleet.h"
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 #include <Poco/URI.h>
 #include <Poco/UUID.h>
 
@@ -74,7 +74,7 @@ class DBDataAccessPointTest : public testing::Test
 protected:
     static Poco::JSON::Object::Ptr json(const std::string& text)
     {
-        return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
+        return ServiceDB::Test::parseObject(text);
     }
 
     // The values as the store holds them, references as bare UUIDs.

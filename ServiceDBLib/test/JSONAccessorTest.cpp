@@ -12,7 +12,6 @@
 #include <Poco/Dynamic/Var.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 #include <Poco/Message.h>
 
 #include <gtest/gtest.h>
@@ -36,6 +35,7 @@ using Orvi::Mapping::ServiceArrayIndexType_t;
 using Orvi::Mapping::XObjectRefBase;
 using Orvi::Mapping::XObjectRefHolder;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::parseObject;
 using ServiceDB::Test::RecordingDataHandler;
 using ServiceDB::Test::RecordingSubscriptionTrigger;
 using ServiceDB::Test::StoredObjectCache;
@@ -51,25 +51,6 @@ const Poco::Int32 BEN_OBJ = 0x202;
 
 const std::string UNKNOWN_UUID = "99999999-9999-4999-8999-999999999999";
 
-Poco::JSON::Object::Ptr parse(const std::string& text)
-{
-    return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
-}
-
-// The lines of the capture that begin with the prefix, e.g. "Error: ".
-Lines linesStartingWith(const LogCapture& capture, const std::string& prefix)
-{
-    Lines result;
-    for (const std::string& line : capture.lines())
-    {
-        if (line.compare(0, prefix.size(), prefix) == 0)
-        {
-            result.push_back(line);
-        }
-    }
-    return result;
-}
-
 // The fleet behind a mapped cache, a listener that records whom it is told to notify, a real id mapper
 // and a real reference holder.
 class JSONAccessorTest : public ::testing::Test
@@ -79,7 +60,7 @@ protected:
     OperationResult::Enum update(const std::string& resource, Poco::Int32 objId, const std::string& json,
                                  std::string& out_uuid, ServiceArrayIndexType_t index = 0)
     {
-        input = parse(json);
+        input = parseObject(json);
         return sut.updateCacheMappedXObjectWithJSON("fleet", resource, objId, index, input, &references,
                                                     &mapper, out_uuid);
     }
@@ -124,7 +105,7 @@ protected:
         EXPECT_TRUE(cache.insertXObject("fleet", "cars", uuid, id));
         XObject::Ptr copy = copyOf(uuid);
         EXPECT_EQ(cache.processJSONValues(Orvi::DataLayer::JSONProcessingContext::InputContext_IPC, "fleet",
-                                          "cars", *copy, parse(R"({"brand":"saab"})").get()),
+                                          "cars", *copy, parseObject(R"({"brand":"saab"})").get()),
                   OperationResult::ObjectUpdated);
         return uuid;
     }
@@ -259,7 +240,7 @@ TEST_F(JSONAccessorTest, FormWithoutIndexUsesIndexZero)
     std::string uuid;
 
     const OperationResult::Enum result = sut.updateCacheMappedXObjectWithJSON(
-        "fleet", "cars", CAR_OBJ, parse(R"({"brand":"volvo"})"), &references, &mapper, uuid);
+        "fleet", "cars", CAR_OBJ, parseObject(R"({"brand":"volvo"})"), &references, &mapper, uuid);
 
     EXPECT_EQ(result, OperationResult::ObjectUpdated);
     EXPECT_EQ(uuid, created);
@@ -294,7 +275,7 @@ TEST_F(JSONAccessorTest, NewObjectWhoseValuesFailIsDeletedAgainWithTraceLine)
     EXPECT_EQ(stored(uuid), "none");
     EXPECT_EQ(mapper.size(), 0U);
     EXPECT_EQ(listener.lines(), Lines{});
-    EXPECT_EQ(linesStartingWith(capture, "Trace: Created object deleted."),
+    EXPECT_EQ(capture.linesStartingWith("Trace: Created object deleted."),
               Lines{"Trace: Created object deleted."});
 }
 
@@ -341,7 +322,7 @@ TEST_F(JSONAccessorTest, ReferenceToAnObjectNotYetArrivedStaysOpenWithDebugLine)
     EXPECT_EQ(result, OperationResult::ObjectCreated);
     EXPECT_EQ(storedValue(uuid, "driver"), "null");
     EXPECT_EQ(toJson(input), R"({"brand":"volvo"})");
-    EXPECT_EQ(linesStartingWith(capture, "Debug: No xObjId"), Lines{"Debug: No xObjId found for objId: 513"});
+    EXPECT_EQ(capture.linesStartingWith("Debug: No xObjId"), Lines{"Debug: No xObjId found for objId: 513"});
 }
 
 TEST_F(JSONAccessorTest, ArrivingTargetCompletesTheWaitingReferenceAndTellsTheReferringSubscribers)
@@ -501,7 +482,7 @@ TEST_F(JSONAccessorTest, ResolveReferencesForTheParentPassesOverAReferringObject
                                               &references, &mapper, true);
 
     EXPECT_FALSE(result);
-    EXPECT_EQ(linesStartingWith(capture, "Debug: No xObjId"), Lines{"Debug: No xObjId found for objId: 257"});
+    EXPECT_EQ(capture.linesStartingWith("Debug: No xObjId"), Lines{"Debug: No xObjId found for objId: 257"});
     EXPECT_EQ(listener.lines(), Lines{"changedResourceCollection POST fleet.people -"});
 }
 
@@ -573,7 +554,7 @@ TEST_F(JSONAccessorSetReferenceTest, SecondReferenceOfAnAttributeMakesAnArrayOfB
 
 TEST_F(JSONAccessorSetReferenceTest, FurtherReferencesAppendToTheArray)
 {
-    json = parse(R"({"passengers":[11,12]})");
+    json = parseObject(R"({"passengers":[11,12]})");
 
     const bool result = sut.setReference(json, CAR_OBJ, 13, &references, entries.cbegin());
 
@@ -583,7 +564,7 @@ TEST_F(JSONAccessorSetReferenceTest, FurtherReferencesAppendToTheArray)
 
 TEST_F(JSONAccessorSetReferenceTest, NullMemberIsLoggedAndReplacedByAnArrayOfTheTarget)
 {
-    json = parse(R"({"passengers":null})");
+    json = parseObject(R"({"passengers":null})");
     LogCapture capture;
 
     const bool result = sut.setReference(json, CAR_OBJ, 11, &references, entries.cbegin());
@@ -595,7 +576,7 @@ TEST_F(JSONAccessorSetReferenceTest, NullMemberIsLoggedAndReplacedByAnArrayOfThe
 
 TEST_F(JSONAccessorSetReferenceTest, OtherMembersStayAsTheyAre)
 {
-    json = parse(R"({"brand":"volvo"})");
+    json = parseObject(R"({"brand":"volvo"})");
 
     sut.setReference(json, CAR_OBJ, 11, &references, entries.cbegin());
 
@@ -680,7 +661,7 @@ TEST_F(JSONAccessorTest, FindResultOfACreatedObjectWithFailedValuesLogsTheDeleti
 
     sut.findJSONOperationResult(&mapper, CREATED, "fleet", "cars", *copyOf(uuid), ERR);
 
-    EXPECT_EQ(linesStartingWith(capture, "Trace: Created"), Lines{"Trace: Created object deleted."});
+    EXPECT_EQ(capture.linesStartingWith("Trace: Created"), Lines{"Trace: Created object deleted."});
 }
 
 // ---- removal ----
@@ -817,7 +798,7 @@ TEST_F(JSONAccessorTest, ReferenceChangeAfterDeleteLogsAReferringObjectThatIsGon
 
 TEST_F(JSONAccessorTest, ElementFormTellsTheObjectsSubscribersWithTheObject)
 {
-    sut.triggerSubscription("fleet", "cars", parse(R"({"seats":2})"), "u-1");
+    sut.triggerSubscription("fleet", "cars", parseObject(R"({"seats":2})"), "u-1");
 
     EXPECT_EQ(listener.lines(), Lines{"changedElement POST fleet.cars u-1 {\"seats\":2}"});
 }
@@ -831,7 +812,7 @@ TEST_F(JSONAccessorTest, CollectionFormTellsTheResourcesSubscribersWithoutObject
 
 TEST_F(JSONAccessorTest, ResultFormChoosesWhomToTellByTheResult)
 {
-    const Poco::JSON::Object::Ptr obj = parse(R"({"seats":2})");
+    const Poco::JSON::Object::Ptr obj = parseObject(R"({"seats":2})");
 
     for (const OperationResult::Enum result : {ERR, SERVICE_ERR, UPDATED, CREATED, UNCHANGED, PROCESSED})
     {
@@ -849,7 +830,7 @@ TEST(JSONAccessorWithoutListenerTest, EveryTriggerFormDoesNothing)
     RecordingDataHandler handler;
     StoredObjectCache cache(services, &handler);
     const JSONAccessor sut(&cache, nullptr);
-    const Poco::JSON::Object::Ptr obj = parse(R"({"seats":2})");
+    const Poco::JSON::Object::Ptr obj = parseObject(R"({"seats":2})");
 
     EXPECT_NO_THROW(sut.triggerSubscription("fleet", "cars", obj, "u-1"));
     EXPECT_NO_THROW(sut.triggerSubscription("fleet", "cars"));
@@ -868,7 +849,7 @@ TEST(JSONAccessorWithoutListenerTest, MappedUpdateAndDeleteWorkWithoutTellingAny
     std::string uuid;
 
     const OperationResult::Enum result = sut.updateCacheMappedXObjectWithJSON(
-        "fleet", "cars", CAR_OBJ, parse(R"({"brand":"saab"})"), &references, &mapper, uuid);
+        "fleet", "cars", CAR_OBJ, parseObject(R"({"brand":"saab"})"), &references, &mapper, uuid);
     XObject object{Element::Ptr()};
     ASSERT_TRUE(cache.selectXObjectByUUID("fleet", "cars", uuid, object, 0, false));
     const bool deleted = sut.deleteXObjectWithReferences("fleet", "cars", object, &references, &mapper);

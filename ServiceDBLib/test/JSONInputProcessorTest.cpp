@@ -1,13 +1,13 @@
 #include "DataLayer/JSONInputProcessor.h"
 
 #include "GadgetObject.h"
+#include "TestSupport/JsonText.h"
 #include "TestSupport/LogCapture.h"
 
 #include <Poco/Bugcheck.h>
 #include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 
 #include <gtest/gtest.h>
 
@@ -27,6 +27,7 @@ using Orvi::DBData::XObjectId;
 using Orvi::Mapping::OperationResult;
 using ServiceDB::Test::GadgetObject;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::parseObject;
 using Lines = std::vector<std::string>;
 
 const auto POST_ON_ELEMENT = JSONProcessingContext::InputContext_POST_On_Element;
@@ -88,11 +89,6 @@ public:
     bool throwOnResolve = false;
 };
 
-Poco::JSON::Object::Ptr parse(const std::string& text)
-{
-    return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
-}
-
 class JSONInputProcessorTest : public ::testing::Test
 {
 protected:
@@ -103,7 +99,7 @@ protected:
 
     OperationResult::Enum process(JSONProcessingContext::Enum ctx, const std::string& input)
     {
-        return process(ctx, parse(input));
+        return process(ctx, parseObject(input));
     }
 
     GadgetObject gadget;
@@ -129,7 +125,7 @@ TEST_F(JSONInputProcessorTest, RefusesAnObjectWithoutId)
     sut_object.setId(Orvi::DBData::UUID(GadgetObject::UUID_TEXT));
     LogCapture capture;
 
-    const auto result = sut.processJSONValues(IPC, "cabin", "gadgets", sut_object, parse("{}").get());
+    const auto result = sut.processJSONValues(IPC, "cabin", "gadgets", sut_object, parseObject("{}").get());
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
     EXPECT_EQ(capture.lines(), Lines{"Error: (2) Incomplete xobject used for extraction"});
@@ -142,7 +138,8 @@ TEST_F(JSONInputProcessorTest, RefusesAnObjectWithoutElement)
     sut_object.setId(Orvi::DBData::UUID(GadgetObject::UUID_TEXT));
     LogCapture capture;
 
-    const auto result = sut.processJSONValues(CACHE_ONLY, "cabin", "gadgets", sut_object, parse("{}").get());
+    const auto result =
+        sut.processJSONValues(CACHE_ONLY, "cabin", "gadgets", sut_object, parseObject("{}").get());
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
     EXPECT_EQ(capture.lines(), Lines{"Error: (3) Incomplete xobject used for extraction"});
@@ -184,7 +181,7 @@ TEST_F(JSONInputProcessorTest, RefusesAMemberThatNamesNoAttribute)
 
 TEST_F(JSONInputProcessorTest, HandsTheChangedCellsOnWithTheInputAndTheNames)
 {
-    const Poco::JSON::Object::Ptr input = parse(R"({"count": "5", "mode": "boost"})");
+    const Poco::JSON::Object::Ptr input = parseObject(R"({"count": "5", "mode": "boost"})");
 
     const auto result = process(POST_ON_ELEMENT, input);
 
@@ -207,7 +204,7 @@ TEST_F(JSONInputProcessorTest, HandsTheChangedCellsOnWithTheInputAndTheNames)
 TEST_F(JSONInputProcessorTest, PublishesTheChangedCellsInTheProcessingData)
 {
     JSONProcessingData data;
-    const Poco::JSON::Object::Ptr input = parse(R"({"enabled": true})");
+    const Poco::JSON::Object::Ptr input = parseObject(R"({"enabled": true})");
     data.pObj = input.get();
 
     const auto result = sut.processJSONValues(POST_ON_ELEMENT, "cabin", "gadgets", *gadget.object, data);

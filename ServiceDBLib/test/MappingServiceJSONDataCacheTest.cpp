@@ -13,7 +13,6 @@
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 #include <Poco/Message.h>
 #include <Poco/Net/HTTPRequest.h>
 #include <Poco/Net/HTTPResponse.h>
@@ -40,6 +39,7 @@ using Orvi::Mapping::ProcessingData;
 using Poco::Dynamic::Var;
 using Poco::Net::HTTPResponse;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::parseObject;
 using ServiceDB::Test::RecordingDataHandler;
 using ServiceDB::Test::Fleet::describe;
 using Lines = std::vector<std::string>;
@@ -54,11 +54,6 @@ const std::string VAN = "ca000000-0000-4000-8000-0000000000c2";
 const std::string ADA = "a0000000-0000-4000-8000-0000000000a1";
 const std::string UNKNOWN = "99999999-9999-4999-8999-999999999999";
 const std::string ADA_URI = "/fleet/people/" + ADA;
-
-Poco::JSON::Object::Ptr parse(const std::string& text)
-{
-    return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
-}
 
 Endpoint rule(bool get, bool post)
 {
@@ -125,7 +120,7 @@ protected:
 
     OperationResult::Enum post(JSONProcessingContext::Enum ctx, XObject& object, const std::string& json)
     {
-        input = parse(json);
+        input = parseObject(json);
         return sut.processJSONValues(ctx, "fleet", "cars", object, input.get());
     }
 
@@ -562,7 +557,7 @@ TEST_F(MappingServiceJSONDataCacheTest, UpdateWithJSONReloadsTheObjectBeforeTaki
     store(CAR, "brand", std::string("volvo"));
 
     const auto result =
-        sut.updateCacheXObjectWithJSON(IPC, "fleet", "cars", *stale, parse(R"({"seats": 5})"));
+        sut.updateCacheXObjectWithJSON(IPC, "fleet", "cars", *stale, parseObject(R"({"seats": 5})"));
 
     EXPECT_EQ(result, OperationResult::ObjectUpdated);
     EXPECT_EQ(describe(stale->getValue("brand")->getValue()), "\"volvo\"");
@@ -580,7 +575,7 @@ TEST_F(MappingServiceJSONDataCacheTest, UpdateWithJSONOfAnObjectNotStoredFails)
     LogCapture capture;
 
     const auto result =
-        sut.updateCacheXObjectWithJSON(IPC, "fleet", "cars", *object, parse(R"({"seats": 5})"));
+        sut.updateCacheXObjectWithJSON(IPC, "fleet", "cars", *object, parseObject(R"({"seats": 5})"));
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
     EXPECT_EQ(capture.lines(), (Lines{"Warning: Can not find XObject with UUID " + UNKNOWN,
@@ -594,7 +589,7 @@ TEST_F(MappingServiceJSONDataCacheTest, InsertWithJSONCreatesAndFillsTheObject)
     object.setId(Orvi::DBData::UUID(VAN));
 
     const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "cars", object,
-                                                       *parse(R"({"brand": "fiat", "tags": ["x"]})"));
+                                                       *parseObject(R"({"brand": "fiat", "tags": ["x"]})"));
 
     EXPECT_EQ(result, OperationResult::ObjectCreated);
     EXPECT_EQ(stored(VAN), "brand=\"fiat\" driver=null id=\"" + VAN +
@@ -608,7 +603,7 @@ TEST_F(MappingServiceJSONDataCacheTest, InsertWithJSONWithoutChangesStillCreates
     XObject object{Orvi::DBData::Element::Ptr()};
     object.setId(Orvi::DBData::UUID(VAN));
 
-    const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "cars", object, *parse("{}"));
+    const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "cars", object, *parseObject("{}"));
 
     EXPECT_EQ(result, OperationResult::ObjectCreated);
     EXPECT_EQ(stored(VAN), "brand=null driver=null id=\"" + VAN +
@@ -624,7 +619,7 @@ TEST_F(MappingServiceJSONDataCacheTest, InsertWithJSONThatFailsRemovesTheNewObje
     LogCapture capture(Poco::Message::PRIO_INFORMATION);
 
     const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "cars", object,
-                                                       *parse(R"({"brand": "fiat", "wheels": 4})"));
+                                                       *parseObject(R"({"brand": "fiat", "wheels": 4})"));
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
     EXPECT_EQ(
@@ -641,7 +636,7 @@ TEST_F(MappingServiceJSONDataCacheTest, InsertWithJSONIntoAResourceWithoutElemen
     XObject object{Orvi::DBData::Element::Ptr()};
     LogCapture capture;
 
-    const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "noelement", object, *parse("{}"));
+    const auto result = sut.insertCacheXObjectWithJSON(IPC, "fleet", "noelement", object, *parseObject("{}"));
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
     EXPECT_EQ(capture.lines(),
@@ -1095,7 +1090,7 @@ TEST_F(MappingServiceJSONDataCacheTest, StoringPostedReferencesWithoutReferences
 
 TEST_F(MappingServiceJSONDataCacheTest, ConvertingWithoutCellsGivesNoValues)
 {
-    const Poco::JSON::Object::Ptr json = parse("{}");
+    const Poco::JSON::Object::Ptr json = parseObject("{}");
     JSONProcessingData data;
     data.pObj = json.get();
 

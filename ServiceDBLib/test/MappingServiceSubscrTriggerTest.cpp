@@ -58,20 +58,6 @@ SubscriptionRequest subscription(const std::string& address, Poco::UInt16 localP
                                Poco::Net::SocketAddress("127.0.0.1", 50123));
 }
 
-// The lines of the capture that begin with the prefix.
-Lines linesStartingWith(const LogCapture& capture, const std::string& prefix)
-{
-    Lines result;
-    for (const std::string& line : capture.lines())
-    {
-        if (line.compare(0, prefix.size(), prefix) == 0)
-        {
-            result.push_back(line);
-        }
-    }
-    return result;
-}
-
 std::ptrdiff_t positionOf(const Lines& lines, const std::string& line)
 {
     return std::find(lines.begin(), lines.end(), line) - lines.begin();
@@ -217,7 +203,7 @@ TEST_F(MappingServiceSubscrTriggerTest, FetchDataFromAnotherThreadRunsTheQueryOn
     EXPECT_TRUE(result);
     EXPECT_EQ(cache.threads(), std::vector<Poco::Thread::TID>{worker.getWorkerTID()});
     EXPECT_NE(worker.getWorkerTID(), Poco::Thread::currentTid());
-    EXPECT_EQ(linesStartingWith(capture, "Trace: fetchData"), Lines{"Trace: fetchData using EventQueue"});
+    EXPECT_EQ(capture.linesStartingWith("Trace: fetchData"), Lines{"Trace: fetchData using EventQueue"});
     const Poco::JSON::Object::Ptr data = response.JSONObject->getObject("data");
     ASSERT_FALSE(data.isNull());
     EXPECT_EQ(data->getValue<std::string>("brand"), "saab");
@@ -289,12 +275,12 @@ TEST_F(MappingServiceSubscrTriggerTest, QuestionsOnTheWorkerAreAnsweredWhileTheQ
     EXPECT_EQ(response.JSONObject->getObject("data")->getValue<std::string>("brand"), "saab");
     EXPECT_EQ(describe(accepted), "none");
     EXPECT_EQ(describe(refused), "404 No such target for this port.");
-    EXPECT_EQ(linesStartingWith(capture, "Trace: fetchData"), Lines{"Trace: fetchData with direct access"});
-    EXPECT_EQ(linesStartingWith(capture, "Trace: verifyObjectExists"),
+    EXPECT_EQ(capture.linesStartingWith("Trace: fetchData"), Lines{"Trace: fetchData with direct access"});
+    EXPECT_EQ(capture.linesStartingWith("Trace: verifyObjectExists"),
               (Lines{"Trace: verifyObjectExists with direct access",
                      "Trace: verifyObjectExists with direct access"}));
-    EXPECT_EQ(linesStartingWith(capture, "Warning: fetchData"), Lines{});
-    EXPECT_EQ(linesStartingWith(capture, "Warning: verifySubscriptionDest"), Lines{});
+    EXPECT_EQ(capture.linesStartingWith("Warning: fetchData"), Lines{});
+    EXPECT_EQ(capture.linesStartingWith("Warning: verifySubscriptionDest"), Lines{});
 }
 
 TEST_F(MappingServiceSubscrTriggerTest, FetchDataFromAnotherThreadWithARefusingQueueWarnsAndAnswersFalse)
@@ -452,7 +438,7 @@ TEST_F(MappingServiceSubscrTriggerTest, CheckFromAnotherThreadGoesThroughTheQueu
     const std::string result = check(sut, "/fleet/cars/" + CAR);
 
     EXPECT_EQ(result, "none");
-    EXPECT_EQ(linesStartingWith(capture, "Trace: verifyObjectExists"),
+    EXPECT_EQ(capture.linesStartingWith("Trace: verifyObjectExists"),
               Lines{"Trace: verifyObjectExists using EventQueue"});
 }
 

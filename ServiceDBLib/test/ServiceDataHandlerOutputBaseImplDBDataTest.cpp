@@ -6,11 +6,11 @@
 #include "RecordingDataHandler.h"
 #include "RecordingSubscriptionTrigger.h"
 #include "StoredObjectCache.h"
+#include "TestSupport/JsonText.h"
 #include "TestSupport/LogCapture.h"
 
 #include <Poco/Dynamic/Var.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 #include <Poco/Message.h>
 
 #include <gtest/gtest.h>
@@ -27,6 +27,7 @@ using Orvi::Mapping::OperationResult;
 using Orvi::Mapping::XObjectId;
 using Orvi::Mapping::DataHandler::ServiceDataHandlerOutputBaseImplDBData;
 using ServiceDB::Test::LogCapture;
+using ServiceDB::Test::parseObject;
 using ServiceDB::Test::RecordingDataHandler;
 using ServiceDB::Test::RecordingSubscriptionTrigger;
 using ServiceDB::Test::StoredObjectCache;
@@ -35,24 +36,6 @@ using Lines = std::vector<std::string>;
 const Poco::Int32 CAR_OBJ = 0xBEEF;
 const Poco::Int32 VAN_OBJ = 0xCAFE;
 const Poco::Int32 ADA_OBJ = 0xA1;
-
-Poco::JSON::Object::Ptr parse(const std::string& text)
-{
-    return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
-}
-
-Lines linesStartingWith(const LogCapture& capture, const std::string& prefix)
-{
-    Lines result;
-    for (const std::string& line : capture.lines())
-    {
-        if (line.compare(0, prefix.size(), prefix) == 0)
-        {
-            result.push_back(line);
-        }
-    }
-    return result;
-}
 
 // The fleet behind a mapped cache, a recording listener and a real mapping manager.
 class ServiceDataHandlerOutputBaseImplDBDataTest : public ::testing::Test
@@ -63,7 +46,7 @@ protected:
     OperationResult::Enum map(const std::string& resource, Poco::Int32 objId, const std::string& json,
                               std::string& out_uuid, Orvi::Mapping::ServiceArrayIndexType_t index = 0)
     {
-        return sut.executeMappingToDb(objId, "fleet", resource, index, parse(json), out_uuid);
+        return sut.executeMappingToDb(objId, "fleet", resource, index, parseObject(json), out_uuid);
     }
 
     std::string create(const std::string& resource, Poco::Int32 objId, const std::string& json)
@@ -159,7 +142,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, GetDBIdForObjectOfAnUnknownNa
     const XObjectId result = sut.getDBIdForObject("fleet", "cars", "rear");
 
     EXPECT_EQ(result, -1);
-    EXPECT_EQ(linesStartingWith(capture, "Error: "),
+    EXPECT_EQ(capture.linesStartingWith("Error: "),
               Lines{"Error: Failed to get DBID for object rear in fleet/cars"});
 }
 
@@ -187,7 +170,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, MappingCreatesTheObjectAndLog
     EXPECT_FALSE(uuid.empty());
     EXPECT_EQ(idOf(CAR_OBJ, 2), cache.stored(uuid)->getDBID());
     EXPECT_EQ(idOf(CAR_OBJ, 0), -1);
-    EXPECT_EQ(linesStartingWith(capture, "Info: "),
+    EXPECT_EQ(capture.linesStartingWith("Info: "),
               Lines{"Info: result of mapping of object 0xBEEF with uuid: " + uuid +
                     " in fleet.cars : ObjectCreated"});
     EXPECT_EQ(listener.lines(), Lines{"changedResourceCollection POST fleet.cars -"});
@@ -205,7 +188,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, MappingLogsEveryResultItGets)
     map("cars", CAR_OBJ, R"({"brand":"volvo"})", updated);
     map("cars", CAR_OBJ, R"({"wheels":4})", failed);
 
-    EXPECT_EQ(linesStartingWith(capture, "Info: "),
+    EXPECT_EQ(capture.linesStartingWith("Info: "),
               (Lines{"Info: result of mapping of object 0xBEEF with uuid: " + uuid +
                          " in fleet.cars : ObjectUnchanged",
                      "Info: result of mapping of object 0xBEEF with uuid: " + uuid +
@@ -222,7 +205,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, MappingThatCannotInsertLogsTh
     const OperationResult::Enum result = map("noelement", 0x1F, R"({"brand":"saab"})", uuid);
 
     EXPECT_EQ(result, OperationResult::ErrorOnUpdate);
-    EXPECT_EQ(linesStartingWith(capture, "Info: "),
+    EXPECT_EQ(capture.linesStartingWith("Info: "),
               Lines{"Info: result of mapping of object 0x1F with uuid:  in fleet.noelement : ErrorOnUpdate"});
 }
 
@@ -233,7 +216,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, NegativeObjectIdIsLoggedAsIts
 
     map("cars", -2, R"({"brand":"saab"})", uuid);
 
-    EXPECT_EQ(linesStartingWith(capture, "Info: "),
+    EXPECT_EQ(capture.linesStartingWith("Info: "),
               Lines{"Info: result of mapping of object 0xFFFFFFFE with uuid: " + uuid +
                     " in fleet.cars : ObjectCreated"});
 }
@@ -315,7 +298,7 @@ TEST_F(ServiceDataHandlerOutputBaseImplDBDataTest, DeleteRemovesObjectAndMapping
     EXPECT_EQ(listener.lines(), (Lines{"changedResourceCollection POST fleet.cars -",
                                        "changedElement POST fleet.cars " + uuid + " -",
                                        "changedResourceCollection POST fleet.cars -"}));
-    EXPECT_EQ(linesStartingWith(capture, "Info: "),
+    EXPECT_EQ(capture.linesStartingWith("Info: "),
               Lines{"Info: delete of mapped object 0xBEEF with uuid: " + uuid + " in fleet.cars succeeded."});
 }
 

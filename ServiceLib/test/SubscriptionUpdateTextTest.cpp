@@ -6,7 +6,6 @@
 
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
-#include <Poco/JSON/Parser.h>
 
 #include <gtest/gtest.h>
 
@@ -15,16 +14,11 @@
 using Orvi::Command::WebSocketResponseObject;
 using Orvi::Service::SubscriptionMessages;
 using Orvi::Service::SubscriptionUpdateText;
+using ServiceDB::Test::parseObject;
 using ServiceDB::Test::withoutTimestamp;
 
 namespace
 {
-
-Poco::JSON::Object::Ptr parse(const std::string& text)
-{
-    Poco::JSON::Parser parser;
-    return parser.parse(text).extract<Poco::JSON::Object::Ptr>();
-}
 
 std::string quoted(const std::string& event)
 {
@@ -36,7 +30,7 @@ std::string quoted(const std::string& event)
 TEST(SubscriptionUpdateTextTest, ADataUpdateIsTheBodyWithTypeTimestampAndEventInKeyOrder)
 {
     WebSocketResponseObject update;
-    update.setData(parse(R"({"heating":2,"name":"driver"})"));
+    update.setData(parseObject(R"({"heating":2,"name":"driver"})"));
 
     const SubscriptionUpdateText sut(update);
 
@@ -50,13 +44,13 @@ TEST(SubscriptionUpdateTextTest, ItIsTheTextThatTheWholeMessageWouldStringifyTo)
 {
     WebSocketResponseObject update;
     Poco::JSON::Array::Ptr items = new Poco::JSON::Array;
-    items->add(parse(R"({"id":"a"})"));
+    items->add(parseObject(R"({"id":"a"})"));
     update.setData(items);
-    update.setPaging(parse(R"({"limit":1,"total":2})"));
+    update.setPaging(parseObject(R"({"limit":1,"total":2})"));
 
     const SubscriptionUpdateText sut(update);
 
-    const Poco::JSON::Object::Ptr whole = parse(sut.withEvent(quoted("/audio/tracks?$limit=1")));
+    const Poco::JSON::Object::Ptr whole = parseObject(sut.withEvent(quoted("/audio/tracks?$limit=1")));
     EXPECT_EQ(sut.withEvent(quoted("/audio/tracks?$limit=1")), ServiceDB::Test::toJson(whole));
     EXPECT_EQ(whole->getValue<std::string>("event"), "/audio/tracks?$limit=1");
 }
@@ -74,21 +68,21 @@ TEST(SubscriptionUpdateTextTest, AnUpdateWithoutDataIsStillOneObject)
 TEST(SubscriptionUpdateTextTest, OneTextServesEverySubscriberWithItsOwnEvent)
 {
     WebSocketResponseObject update;
-    update.setData(parse(R"({"on":true})"));
+    update.setData(parseObject(R"({"on":true})"));
 
     const SubscriptionUpdateText sut(update);
 
     const std::string first = sut.withEvent(quoted("/cabin/lamps/l1#a"));
     const std::string second = sut.withEvent(quoted("/cabin/lamps/l1#b"));
-    EXPECT_EQ(parse(first)->getValue<Poco::Int64>("timestamp"),
-              parse(second)->getValue<Poco::Int64>("timestamp"));
-    EXPECT_EQ(parse(second)->getValue<std::string>("event"), "/cabin/lamps/l1#b");
+    EXPECT_EQ(parseObject(first)->getValue<Poco::Int64>("timestamp"),
+              parseObject(second)->getValue<Poco::Int64>("timestamp"));
+    EXPECT_EQ(parseObject(second)->getValue<std::string>("event"), "/cabin/lamps/l1#b");
 }
 
 TEST(SubscriptionUpdateTextTest, AGoneObjectBecomesAnErrorMessage)
 {
     WebSocketResponseObject update;
-    update.setData(parse(R"({"stale":true})"));
+    update.setData(parseObject(R"({"stale":true})"));
     update.setError(Poco::Net::HTTPResponse::HTTP_GONE, "element has gone");
 
     const SubscriptionUpdateText sut(update);

@@ -56,6 +56,19 @@ std::vector<std::string> LogCapture::lines() const
     return result;
 }
 
+std::vector<std::string> LogCapture::linesStartingWith(const std::string& prefix) const
+{
+    std::vector<std::string> result;
+    for (const std::string& line : lines())
+    {
+        if (line.compare(0, prefix.size(), prefix) == 0)
+        {
+            result.push_back(line);
+        }
+    }
+    return result;
+}
+
 std::vector<std::string> LogCapture::rawLines() const
 {
     return m_channel->lines();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Poco/Dynamic/Var.h>
+#include <Poco/JSON/Object.h>
 
 #include <string>
 
@@ -9,5 +10,9 @@ namespace ServiceDB::Test
 
 std::string toJson(const Poco::Dynamic::Var& value);
 /// The compact JSON text of a value: an object or array (by pointer or by value), or a scalar.
+
+Poco::JSON::Object::Ptr parseObject(const std::string& text);
+/// The JSON object of the text; raises Poco::JSON::JSONException for bad JSON and
+/// Poco::BadCastException for JSON that is no object.
 
 } // namespace ServiceDB::Test

@@ -25,6 +25,9 @@ public:
     std::vector<std::string> lines() const;
     /// The captured lines, oldest first, each like "Warning: text".
 
+    std::vector<std::string> linesStartingWith(const std::string& prefix) const;
+    /// The captured lines that begin with the prefix, such as "Error: ", oldest first.
+
     std::vector<std::string> rawLines() const;
     /// The captured lines as the logger got them, with the source position.
 
