@@ -1,0 +1,453 @@
+#include "JSONDataCache/JSONDataCache.h"
+
+#include "Command/Query/AnyValueSearch.h"
+#include "Command/Query/AttributeValueSearch.h"
+#include "JSONDataCache/DBData/Attribute.h"
+#include "JSONDataCache/DBData/AttributeType.h"
+#include "JSONDataCache/DBData/IAttributeIndex.h"
+#include "Logging/LogStream.h"
+
+#include <Poco/Bugcheck.h>
+#include <Poco/Exception.h>
+#include <Poco/RegularExpression.h>
+#include <Poco/SharedPtr.h>
+
+#include <map>
+#include <set>
+#include <unordered_set>
+
+namespace Orvi::JSONDataCache
+{
+
+using Command::RequestBase;
+using Command::UrlPath;
+using DBData::AttributeValue;
+using DBData::AttributeValuePtr;
+using DBData::DbId;
+using DBData::Element;
+using DBData::XObject;
+
+namespace
+{
+
+const std::string REGEX_ANY_TEXT = ".*";
+const std::string REGEX_ALTERNATIVE = "|";
+
+// The UUIDs of a stored array of references; false when the value is no such array.
+bool extractUuidList(const Poco::Dynamic::Var& value, std::vector<std::string>& out_uuids)
+{
+    try
+    {
+        const AttributeValue::ValueArrayPtr array = value.extract<AttributeValue::ValueArrayPtr>();
+        if (array.isNull())
+        {
+            return false;
+        }
+        out_uuids.clear();
+        out_uuids.reserve(array->size());
+        for (const Poco::Dynamic::Var& element : *array)
+        {
+            out_uuids.push_back(element.convert<std::string>());
+        }
+        return true;
+    }
+    catch (const Poco::Exception&)
+    {
+        return false;
+    }
+}
+
+// Compiled once per search, studied, since every key of every index is matched against it.
+Poco::SharedPtr<Poco::RegularExpression> compileSearch(const std::string& pattern)
+{
+    return new Poco::RegularExpression(pattern, 0, true);
+}
+
+} // namespace
+
+bool JSONDataCache::existsObjectWithId(DbId objectId) const
+{
+    if (!m_xobjCache.exists(objectId))
+    {
+        LOG_DEBUG("XObject ID " << objectId << " NOT found in XObject Cache");
+        return false;
+    }
+    LOG_TRACE("XObject ID " << objectId << " found in XObject Cache");
+    return true;
+}
+
+XObject::Ptr JSONDataCache::selectXObject(DbId id, Poco::Int32 recursionDepth)
+{
+    XObject::Ptr object(new XObject(Element::Ptr()));
+    if (!m_xobjCache.get(id, *object, true))
+    {
+        LOG_WARNING("Can not find XObject with ID " << id);
+        return XObject::Ptr();
+    }
+    selectValues(*object, recursionDepth);
+    return object;
+}
+
+XObject::Ptr JSONDataCache::selectXObject(const std::string& uuid, Poco::Int32 recursionDepth)
+{
+    XObject::Ptr object(new XObject(Element::Ptr()));
+    if (!m_xobjCache.get(uuid, *object, true))
+    {
+        LOG_WARNING("Can not find XObject with UUID " << uuid);
+        return XObject::Ptr();
+    }
+    selectValues(*object, recursionDepth);
+    return object;
+}
+
+XObject::Ptr JSONDataCache::selectXObject(const std::string& servicename, const std::string& resourcename,
+                                          const std::string& uuid, Poco::Int32 recursionDepth)
+{
+    XObject::Ptr object(new XObject(Element::Ptr()));
+    if (!selectXObjectByUUID(servicename, resourcename, uuid, *object, recursionDepth, false))
+    {
+        LOG_WARNING("Can not find XObject /" << servicename << "/" << resourcename << "/" << uuid);
+        return XObject::Ptr();
+    }
+    return object;
+}
+
+bool JSONDataCache::selectXObjectByID(DbId id, XObject& retXObject, Poco::Int32 recursionDepth, bool)
+{
+    XObject::Ptr found = selectXObject(id, recursionDepth);
+    if (found.isNull())
+    {
+        return false;
+    }
+    retXObject.swap(*found);
+    return true;
+}
+
+bool JSONDataCache::selectXObjectByUUID(const std::string& servicename, const std::string& resourcename,
+                                        const std::string& uuid, XObject& retXObject,
+                                        Poco::Int32 recursionDepth, bool)
+{
+    const Element::Ptr element = selectElement(servicename, resourcename);
+    if (element.isNull())
+    {
+        LOG_WARNING("Can not find element info for resource " << servicename << "/" << resourcename
+                                                              << " not found.");
+        return false;
+    }
+
+    XObject::Ptr object = selectXObject(uuid, recursionDepth);
+    if (object.isNull())
+    {
+        return false;
+    }
+
+    // UUIDs are unique across the store, so the object has to be checked against the resource.
+    if (object->getElement()->getDBID() != element->getDBID())
+    {
+        LOG_WARNING("Can not find element " << servicename << "/" << resourcename << "/" << uuid);
+        return false;
+    }
+
+    retXObject.swap(*object);
+    return true;
+}
+
+void JSONDataCache::selectValues(XObject& xobj, Poco::Int32 recursionDepth)
+{
+    for (AttributeValuePtr& value : xobj.getAttributeValues())
+    {
+        if (value.isNull())
+        {
+            poco_bugcheck();
+        }
+        if (value->getDBID() == DBData::aDBTableEntry::INVALID_DBID || value->getAttribute().isNull())
+        {
+            poco_bugcheck_msg("Invalid AttributeValue instance");
+        }
+
+        // Past the requested depth an object is only its identity; this also ends circular references.
+        if (recursionDepth < 0 && !DBData::Attribute::isDefaultAttribute(value->getName()))
+        {
+            value->clear();
+            continue;
+        }
+        if (!value->hasValue() || value->getType() != DBData::AttrType_Object)
+        {
+            continue;
+        }
+
+        if (!value->isArray())
+        {
+            const std::string uuid = value->getValue().extract<std::string>();
+            XObject::Ptr referenced = selectXObject(uuid, recursionDepth - 1);
+            if (!referenced.isNull())
+            {
+                value->setValue(Poco::Dynamic::Var(referenced), false);
+                continue;
+            }
+            // The referenced object was deleted: the read repairs the store as well.
+            LOG_ERROR("Failed to retrieve references for " << xobj.getUUID() << " attribute "
+                                                           << value->getName());
+            value->clear();
+            updateCacheAttributeValueById(*value, true);
+            continue;
+        }
+
+        std::vector<std::string> uuids;
+        if (!extractUuidList(value->getValue(), uuids) || uuids.empty())
+        {
+            value->clear();
+            continue;
+        }
+        AttributeValue::ValueArrayPtr referenced(new AttributeValue::ValueArray);
+        referenced->reserve(uuids.size());
+        for (const std::string& uuid : uuids)
+        {
+            XObject::Ptr object = selectXObject(uuid, recursionDepth - 1);
+            if (!object.isNull())
+            {
+                referenced->emplace_back(object);
+            }
+        }
+        value->setValue(Poco::Dynamic::Var(referenced), false);
+        if (referenced->size() < uuids.size())
+        {
+            updateCacheArrayAttributeValueById(*value, true);
+        }
+    }
+}
+
+bool JSONDataCache::selectXObjectsFromElement(const Element& parentElement,
+                                              std::vector<XObject::Ptr>& retXobjects, int expansionLevel)
+{
+    retXobjects.clear();
+    const Element::XObjectUuidMap& ids = parentElement.getXObjectIds();
+    if (!ids.empty())
+    {
+        retXobjects.reserve(ids.size());
+    }
+    for (const auto& entry : ids)
+    {
+        XObject::Ptr object(new XObject(Element::Ptr()));
+        if (!selectXObjectByID(entry.first, *object, expansionLevel, false))
+        {
+            LOG_WARNING("Could not find XObject with DB ID " << entry.first);
+            continue;
+        }
+        retXobjects.push_back(object);
+    }
+    return !retXobjects.empty();
+}
+
+bool JSONDataCache::selectXObjectsByRequest(const RequestBase& request,
+                                            std::vector<XObject::Ptr>& retXobjects)
+{
+    const UrlPath& urlPath = request.getUrlPath();
+    if (urlPath.getCharacteristic() != UrlPath::SERVICE_RESOURCE)
+    {
+        LOG_ERROR("selectXObjects by Request supports only selection on resource level");
+        return false;
+    }
+    const Element::Ptr element = selectElement(urlPath.getService(), urlPath.getResource());
+    if (element.isNull())
+    {
+        LOG_ERROR("selectXObjects by Request: element info for resource "
+                  << urlPath.getService() << "/" << urlPath.getResource() << " not found.");
+        return false;
+    }
+
+    // Only the first free-text search counts.
+    std::string anySearchParam;
+    if (request.hasAnyCriteria())
+    {
+        std::vector<Poco::SharedPtr<Command::AnyValueSearch>> anySearches;
+        RequestBase::extractCriteria(anySearches, request.getSearchCriteria());
+        if (!anySearches.empty() && !anySearches.front().isNull())
+        {
+            anySearchParam = anySearches.front()->getQueryValue();
+        }
+    }
+
+    // The values of one attribute are alternatives of one expression; the first search of a name wins.
+    std::map<std::string, Poco::SharedPtr<Poco::RegularExpression>> attrValueSearchParam;
+    if (request.hasAttributeCriteria())
+    {
+        std::vector<Poco::SharedPtr<Command::AttributeValueSearch>> attributeSearches;
+        RequestBase::extractCriteria(attributeSearches, request.getSearchCriteria());
+        for (const Poco::SharedPtr<Command::AttributeValueSearch>& search : attributeSearches)
+        {
+            if (search.isNull() || attrValueSearchParam.count(search->getAttributeName()) > 0)
+            {
+                continue;
+            }
+            std::string pattern;
+            for (const std::string& searchValue : search->getSearchValues())
+            {
+                if (!pattern.empty())
+                {
+                    pattern += REGEX_ALTERNATIVE;
+                }
+                pattern += prepareRegEx(searchValue);
+            }
+            attrValueSearchParam.emplace(search->getAttributeName(), compileSearch(pattern));
+        }
+    }
+
+    const int expansionLevel = getExpansionLevel(request);
+
+    if (anySearchParam.empty() && attrValueSearchParam.empty())
+    {
+        return selectXObjectsFromElement(*element, retXobjects, expansionLevel);
+    }
+
+    const Poco::RegularExpression anySearchRegEx(prepareRegEx(anySearchParam), 0, true);
+    std::set<DbId> xobjIdsAnySearch;
+    std::map<DbId, Poco::UInt32> xobjIdsAttrSearch;
+
+    for (const auto& entry : element->getIndexes())
+    {
+        const DBData::IAttributeIndex::Ptr& index = entry.second;
+        if (index.isNull())
+        {
+            poco_bugcheck();
+        }
+        if (!anySearchParam.empty())
+        {
+            for (const DBData::Index::IndexEntry& found : index->find(anySearchRegEx))
+            {
+                xobjIdsAnySearch.insert(found.getXObjId());
+            }
+        }
+        const auto attributeSearch = attrValueSearchParam.find(entry.first);
+        if (attributeSearch != attrValueSearchParam.end())
+        {
+            // An index holds one entry per object, so the count is the number of matching attributes.
+            for (const DBData::Index::IndexEntry& found : index->find(*attributeSearch->second))
+            {
+                ++xobjIdsAttrSearch[found.getXObjId()];
+            }
+        }
+    }
+
+    std::set<DbId> xobjIds;
+    if (attrValueSearchParam.empty())
+    {
+        xobjIds.swap(xobjIdsAnySearch);
+    }
+    else
+    {
+        for (const auto& counted : xobjIdsAttrSearch)
+        {
+            if (counted.second == attrValueSearchParam.size() &&
+                (anySearchParam.empty() || xobjIdsAnySearch.count(counted.first) > 0))
+            {
+                xobjIds.insert(xobjIds.end(), counted.first);
+            }
+        }
+    }
+
+    std::vector<XObject::Ptr> selected;
+    selected.reserve(xobjIds.size());
+    for (const DbId id : xobjIds)
+    {
+        XObject::Ptr object = selectXObject(id, expansionLevel);
+        if (object.isNull())
+        {
+            LOG_WARNING("Could not find XObject with DB ID " << id);
+            continue;
+        }
+        selected.push_back(object);
+    }
+    retXobjects.swap(selected);
+    return true;
+}
+
+bool JSONDataCache::selectXObjectIDsOfResource(const std::string& servicename,
+                                               const std::string& resourcename, std::vector<long>& retIds)
+{
+    const Element::Ptr element = selectElement(servicename, resourcename);
+    if (element.isNull())
+    {
+        return false;
+    }
+    retIds = element->getAllXObjectIds();
+    return !retIds.empty();
+}
+
+bool JSONDataCache::selectXObjectIDsWithAttributesOfValues(const std::string& servicename,
+                                                           const std::string& resourcename,
+                                                           std::vector<long>& retIds,
+                                                           const AttributeValuePairs& attributes_with_values)
+{
+    if (attributes_with_values.empty())
+    {
+        LOG_WARNING("Don't use this function with empty parameters!");
+        return false;
+    }
+    const Element::Ptr element = selectElement(servicename, resourcename);
+    if (element.isNull())
+    {
+        LOG_ERROR("Element for resource /" << servicename << "/" << resourcename << " not found.");
+        return false;
+    }
+
+    const DBData::AttributeIndexMap& indexes = element->getIndexes();
+    bool firstRun = true;
+    for (const auto& pair : attributes_with_values)
+    {
+        const auto found = indexes.find(pair.first);
+        if (found == indexes.end() || found->second.isNull())
+        {
+            LOG_WARNING("JSONDataCache::selectXObjectIDsWithAttributesOfValues: attribute name "
+                        << pair.first << " not known.");
+            continue;
+        }
+        const DBData::Index::IndexGroup result = found->second->find(pair.second);
+        if (firstRun)
+        {
+            retIds.clear();
+            retIds.reserve(result.size());
+            for (const DBData::Index::IndexEntry& entry : result)
+            {
+                retIds.push_back(entry.getXObjId());
+            }
+        }
+        else
+        {
+            std::unordered_set<DbId> matching;
+            matching.reserve(result.size());
+            for (const DBData::Index::IndexEntry& entry : result)
+            {
+                matching.insert(entry.getXObjId());
+            }
+            std::vector<long> narrowed;
+            narrowed.reserve(retIds.size());
+            for (const long id : retIds)
+            {
+                if (matching.count(id) > 0)
+                {
+                    narrowed.push_back(id);
+                }
+            }
+            retIds.swap(narrowed);
+        }
+        firstRun = false;
+    }
+    return true;
+}
+
+const Poco::RegularExpression& findWildCard()
+{
+    static const Poco::RegularExpression wildcards(
+        "(" + UrlPath::QUERY_WILDCARD + REGEX_ALTERNATIVE + UrlPath::QUERY_WILDCARD_HTML + ")+", 0, true);
+    return wildcards;
+}
+
+std::string prepareRegEx(const std::string& searchValue)
+{
+    std::string pattern(searchValue);
+    findWildCard().subst(pattern, REGEX_ANY_TEXT, Poco::RegularExpression::RE_GLOBAL);
+    return "^" + pattern + "$";
+}
+
+} // namespace Orvi::JSONDataCache
