@@ -26,6 +26,8 @@ function(servicedb_add_library name)
     target_include_directories(${name} PUBLIC
         "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>"
         "$<INSTALL_INTERFACE:${SERVICEDB_INSTALL_INCLUDEDIR}>")
+    # Headers of classes that only the library itself uses live beside their sources.
+    target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/src")
     target_link_libraries(${name} PUBLIC ${ARG_DEPENDS})
     set_target_properties(${name} PROPERTIES
         EXPORT_NAME ${name}
@@ -43,6 +45,7 @@ function(servicedb_add_library name)
 
     if(SERVICEDB_BUILD_TESTS AND EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/test")
         servicedb_add_test(${name}Test DEPENDS ${name})
+        target_include_directories(${name}Test PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/src")
     endif()
 endfunction()
 

@@ -2,9 +2,12 @@
 
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Parser.h>
+#include <Poco/String.h>
+#include <Poco/UUID.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -215,4 +218,31 @@ TEST(Paging, LocatesNoPageForAnIdThatIsNotInTheList)
     const Paging sut("11111111-2222-4333-8444-555555555555", 5, Paging::OFFSET);
 
     expectWindow(sut.locate(elements.begin(), elements.end()), false, 0, 0, 0);
+}
+
+TEST(Paging, ReadsTheIdsOfAListOnlyUpToTheElementThatOpensThePage)
+{
+    const Paging sut(FOURTH_ID, 2, Paging::OFFSET);
+    const std::vector<Poco::Dynamic::Var> ids{"a", "b", "c", Poco::UUID(FOURTH_ID).toString(), "e", "f"};
+    std::vector<std::size_t> read;
+
+    const Paging::Window window = sut.locate(ids.size(),
+                                             [&](std::size_t index)
+                                             {
+                                                 read.push_back(index);
+                                                 return ids[index];
+                                             });
+
+    expectWindow(window, true, 3, 3, 5);
+    EXPECT_EQ(read, (std::vector<std::size_t>{0, 1, 2, 3}));
+}
+
+TEST(Paging, OpensAPageOnlyAtATextIdEqualToItsOwnWithoutRegardToCase)
+{
+    const Paging sut(FOURTH_ID, 2, Paging::OFFSET);
+
+    EXPECT_TRUE(sut.opensPage(Poco::toUpper(FOURTH_ID)));
+    EXPECT_FALSE(sut.opensPage(FIRST_ID));
+    EXPECT_FALSE(sut.opensPage(Poco::Dynamic::Var()));
+    EXPECT_FALSE(sut.opensPage(42));
 }

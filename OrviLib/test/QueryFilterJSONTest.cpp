@@ -1,9 +1,13 @@
 #include "Command/QueryFilterJSON.h"
 
+#include "Command/QueryRows.h"
+
 #include <Poco/JSON/Parser.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <sstream>
 #include <string>
 
@@ -382,4 +386,70 @@ TEST(QueryFilterJSON, CopiesOneObjectWithoutRenderCriteria)
     QueryFilterJSON::filterJSONObjectByQuery(*light, request("/cabin/lights/l3?$expand=2"), out);
 
     EXPECT_EQ(toJson(out), L3);
+}
+
+namespace
+{
+
+// The LIGHTS elements as rows, counting the rows rendered.
+class CountingRows : public Orvi::Command::QueryRows
+{
+public:
+    CountingRows()
+        : m_array(parseArray(LIGHTS))
+    {
+    }
+
+    std::size_t size() const override { return m_array->size(); }
+    bool isObject(std::size_t) override { return true; }
+    Poco::Dynamic::Var member(std::size_t row, const std::string& key) override
+    {
+        return m_array->getObject(static_cast<unsigned>(row))->get(key);
+    }
+    bool anyMember(std::size_t row, const MemberTest& test) override
+    {
+        const Poco::JSON::Object::Ptr object = m_array->getObject(static_cast<unsigned>(row));
+        return std::any_of(object->begin(), object->end(),
+                           [&test](const Poco::JSON::Object::ValueType& entry)
+                           { return test(entry.second); });
+    }
+    Poco::Dynamic::Var render(std::size_t row) override
+    {
+        rendered.push_back(row);
+        return m_array->get(static_cast<unsigned>(row));
+    }
+
+    std::vector<std::size_t> rendered;
+
+private:
+    Poco::JSON::Array::Ptr m_array;
+};
+
+} // namespace
+
+TEST(QueryFilterJSON, RendersOnlyTheRowsOfThePageAndAnswersAsForTheArray)
+{
+    const std::string address = "/s/r?$q=red&$sortby=-level&$limit=1&$offset=1&$fields=level";
+    CountingRows rows;
+    Poco::JSON::Array out;
+    Poco::JSON::Object::Ptr paging;
+
+    QueryFilterJSON::filterRowsByQuery(rows, request(address), out, paging);
+
+    EXPECT_EQ(rows.rendered, (std::vector<std::size_t>{2}));
+    const Page expected = paged(address);
+    EXPECT_EQ(toJson(out), expected.data);
+    EXPECT_EQ(toJson(*paging), expected.paging);
+    EXPECT_EQ(expected.data, R"([{"id":"l3","level":2}])");
+}
+
+TEST(QueryFilterJSON, RendersEveryRowThatTheSearchKeepsWithoutPaging)
+{
+    CountingRows rows;
+    Poco::JSON::Array out;
+
+    QueryFilterJSON::filterRowsByQuery(rows, request("/s/r?zone=rear&$offset=1"), out);
+
+    EXPECT_EQ(rows.rendered, (std::vector<std::size_t>{1, 3}));
+    EXPECT_EQ(toJson(out), list({L2, L4}));
 }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -110,4 +111,28 @@ TEST(SortingParameter, OrdersKindsAsNumbersStringsBooleansThenOthers)
 TEST(SortingParameter, PutsElementsThatAreNoObjectsLastInTheirOrder)
 {
     EXPECT_EQ(sorted("n", R"([7, {"n": 2}, "x", {"n": 1}])"), R"([{"n":1},{"n":2},7,"x"])");
+}
+
+TEST(SortingParameter, OrdersRowsAsItOrdersTheirElementsReadingEachKeyOnceARow)
+{
+    const std::vector<std::vector<Poco::Dynamic::Var>> table{
+        {"b", 2}, {Poco::Dynamic::Var(), 1}, {"a", 2}, {"b", 1}, {"a", Poco::Dynamic::Var()}};
+    const std::vector<std::string> columns{"name", "size"};
+    const SortingParameter sut("-size,name");
+    std::vector<std::size_t> rows{0, 1, 2, 3, 4};
+    std::size_t reads = 0;
+
+    sut.sort(rows,
+             [&](std::size_t row, const std::string& key)
+             {
+                 ++reads;
+                 return key == columns[0] ? table[row][0] : table[row][1];
+             });
+
+    EXPECT_EQ(rows, (std::vector<std::size_t>{2, 0, 3, 1, 4}));
+    EXPECT_EQ(reads, 10U);
+    EXPECT_EQ(
+        sorted("-size,name", R"([{"name":"b","size":2},{"size":1},{"name":"a","size":2},)"
+                             R"({"name":"b","size":1},{"name":"a"}])"),
+        R"([{"name":"a","size":2},{"name":"b","size":2},{"name":"b","size":1},{"size":1},{"name":"a"}])");
 }

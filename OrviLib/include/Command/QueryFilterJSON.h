@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Command/QueryRows.h"
 #include "Command/RequestBase.h"
 
 #include <Poco/JSON/Array.h>
@@ -37,6 +38,12 @@ public:
     /// "next" (the request's address with "$offset" at the neighbouring page, left out at the ends of the
     /// list and with limit 0). An id that is not in the list gives an empty page without "offset",
     /// "previous" and "next". Without paging, out_paging stays as it is.
+
+    static void filterRowsByQuery(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& out);
+    static void filterRowsByQuery(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& out,
+                                  Poco::JSON::Object::Ptr& out_paging);
+    /// As the two above for the array that the rows render to; only the rows that the answer takes are
+    /// rendered.
 
     static void filterJSONObjectByQuery(const Poco::JSON::Object& in, const RequestBase& request,
                                         Poco::JSON::Object& out);

@@ -79,36 +79,64 @@ Criteria criteriaOf(const RequestBase& request)
     return criteria;
 }
 
-bool matchesAnyValue(const Poco::JSON::Object& object, const AnyValueSearch& search)
+bool passesSearch(QueryRows& rows, std::size_t row, const Criteria& criteria)
 {
-    return std::any_of(object.begin(), object.end(),
-                       [&search](const Poco::JSON::Object::ValueType& member)
-                       { return search.match(member.second); });
-}
-
-bool passesSearch(const Poco::Dynamic::Var& element, const Criteria& criteria)
-{
-    const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(element);
-    if (object == nullptr)
+    if (!rows.isObject(row))
     {
         return true;
     }
     for (const Poco::SharedPtr<AttributeValueSearch>& search : criteria.attributeSearches)
     {
-        if (!search->match(object->get(search->getAttributeName())))
+        if (!search->match(rows.member(row, search->getAttributeName())))
         {
             return false;
         }
     }
     for (const Poco::SharedPtr<AnyValueSearch>& search : criteria.freeTextSearches)
     {
-        if (!matchesAnyValue(*object, *search))
+        if (!rows.anyMember(row, [&search](const Poco::Dynamic::Var& value) { return search->match(value); }))
         {
             return false;
         }
     }
     return true;
 }
+
+// The elements of a JSON array as rows; it holds its own references, so that the array may be replaced.
+class JsonArrayRows : public QueryRows
+{
+public:
+    explicit JsonArrayRows(const Poco::JSON::Array& in)
+        : m_elements(in.begin(), in.end())
+    {
+    }
+
+    std::size_t size() const override { return m_elements.size(); }
+
+    bool isObject(std::size_t row) override
+    {
+        return QueryParameter::jsonObjectOf(m_elements[row]) != nullptr;
+    }
+
+    Poco::Dynamic::Var member(std::size_t row, const std::string& key) override
+    {
+        const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(m_elements[row]);
+        return object != nullptr ? object->get(key) : Poco::Dynamic::Var();
+    }
+
+    bool anyMember(std::size_t row, const MemberTest& test) override
+    {
+        const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(m_elements[row]);
+        return object != nullptr && std::any_of(object->begin(), object->end(),
+                                                [&test](const Poco::JSON::Object::ValueType& entry)
+                                                { return test(entry.second); });
+    }
+
+    Poco::Dynamic::Var render(std::size_t row) override { return m_elements[row]; }
+
+private:
+    std::vector<Poco::Dynamic::Var> m_elements;
+};
 
 void renderObject(const Poco::JSON::Object& in, const Criteria& criteria, Poco::JSON::Object& out)
 {
@@ -239,40 +267,56 @@ Poco::JSON::Object::Ptr pagingObject(const Paging& paging, const Paging::Window&
     return result;
 }
 
-void filterArray(const Poco::JSON::Array& in, const RequestBase& request, Poco::JSON::Array& out,
-                 Poco::JSON::Object::Ptr* out_paging)
+void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& out,
+                Poco::JSON::Object::Ptr* out_paging)
 {
     const Criteria criteria = criteriaOf(request);
+    const bool searches = !criteria.attributeSearches.empty() || !criteria.freeTextSearches.empty();
 
-    // The selection holds its own references to the elements, so that out may be in itself.
-    std::vector<Poco::Dynamic::Var> selected;
-    selected.reserve(in.size());
-    std::copy_if(in.begin(), in.end(), std::back_inserter(selected),
-                 [&criteria](const Poco::Dynamic::Var& element) { return passesSearch(element, criteria); });
-
-    // Stable sorts from the last criterion to the first leave the first one deciding.
-    for (auto sorting = criteria.sortings.rbegin(); sorting != criteria.sortings.rend(); ++sorting)
+    std::vector<std::size_t> selected;
+    selected.reserve(rows.size());
+    for (std::size_t row = 0; row < rows.size(); ++row)
     {
-        (*sorting)->sort(selected);
+        if (!searches || passesSearch(rows, row, criteria))
+        {
+            selected.push_back(row);
+        }
     }
 
-    auto first = selected.cbegin();
-    auto last = selected.cend();
+    // Stable sorts from the last criterion to the first leave the first one deciding.
+    const SortingParameter::KeyReader valueOf = [&rows](std::size_t row, const std::string& key)
+    { return rows.isObject(row) ? rows.member(row, key) : Poco::Dynamic::Var(); };
+    for (auto sorting = criteria.sortings.rbegin(); sorting != criteria.sortings.rend(); ++sorting)
+    {
+        (*sorting)->sort(selected, valueOf);
+    }
+
+    std::size_t first = 0;
+    std::size_t last = selected.size();
     if (out_paging != nullptr && !criteria.pagings.empty())
     {
         const Paging& paging = *criteria.pagings.front();
-        const Paging::Window window = paging.locate(first, last);
-        first = selected.cbegin() + static_cast<std::ptrdiff_t>(window.begin);
-        last = selected.cbegin() + static_cast<std::ptrdiff_t>(window.end);
+        const Paging::Window window =
+            paging.locate(selected.size(), [&](std::size_t index)
+                          { return valueOf(selected[index], QueryParameter::KEY_ID); });
+        first = window.begin;
+        last = window.end;
         *out_paging = pagingObject(paging, window, selected.size(), request);
     }
 
     Poco::JSON::Array result;
-    for (auto element = first; element != last; ++element)
+    for (std::size_t index = first; index < last; ++index)
     {
-        result.add(renderElement(*element, criteria));
+        result.add(renderElement(rows.render(selected[index]), criteria));
     }
     out = std::move(result);
+}
+
+void filterArray(const Poco::JSON::Array& in, const RequestBase& request, Poco::JSON::Array& out,
+                 Poco::JSON::Object::Ptr* out_paging)
+{
+    JsonArrayRows rows(in);
+    filterRows(rows, request, out, out_paging);
 }
 
 } // namespace
@@ -287,6 +331,17 @@ void QueryFilterJSON::filterJSONArrayByQuery(const Poco::JSON::Array& in, const 
                                              Poco::JSON::Array& out, Poco::JSON::Object::Ptr& out_paging)
 {
     filterArray(in, request, out, &out_paging);
+}
+
+void QueryFilterJSON::filterRowsByQuery(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& out)
+{
+    filterRows(rows, request, out, nullptr);
+}
+
+void QueryFilterJSON::filterRowsByQuery(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& out,
+                                        Poco::JSON::Object::Ptr& out_paging)
+{
+    filterRows(rows, request, out, &out_paging);
 }
 
 void QueryFilterJSON::filterJSONObjectByQuery(const Poco::JSON::Object& in, const RequestBase& request,

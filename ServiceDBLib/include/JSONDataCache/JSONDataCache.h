@@ -21,6 +21,7 @@
 #include <Poco/UUID.h>
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -172,6 +173,11 @@ public:
     /// The same for an array attribute. Null elements are dropped from the cell's shared vector in
     /// place; an array left empty is a removal.
 
+    void setPagingBeforeRendering(bool enabled) { m_pagingBeforeRendering = enabled; }
+    /// On (the default), a resource query searches, sorts and pages the stored values and selects and
+    /// renders only the objects of its answer; off, it selects and renders every object it finds first.
+    /// The answers are the same; a dangling reference is repaired when its object is selected.
+
 protected:
     virtual Command::HTTPStatus queryCacheRoot(const Command::RequestBase& requestCommand,
                                                Command::WebSocketResponseObject& retResponse);
@@ -223,8 +229,28 @@ protected:
     /// Every object of this cache; kept in step with the elements' registries and indexes.
 
 private:
+    bool findXObjectIds(const Command::RequestBase& request, const DBData::Element& element,
+                        std::set<DBData::DbId>& out_ids);
+    /// The objects that the request's search criteria find in the element's indexes; false, leaving
+    /// out_ids alone, when the request has none.
+
+    bool queryResourceRows(const Command::RequestBase& request, Poco::JSON::Array& out_data,
+                           Poco::JSON::Object::Ptr& out_paging);
+    /// Answers a resource query from the stored values, rendering only the objects of the answer; false
+    /// when the query needs every object rendered first.
+
+    void suspectDanglingReferences();
+    /// Marks every element with a reference attribute: an object they may name is gone.
+
+    void suspectDanglingReference(const DBData::Element& element, const std::vector<std::string>& uuids);
+    /// Marks the element when a reference just written names an object that is not stored.
+
     DBData::ServiceMap& m_serviceCache;
     const Poco::UUID m_systemUUID;
+    bool m_pagingBeforeRendering;
+    std::set<DBData::DbId> m_danglingSuspects;
+    /// Elements whose objects may name objects that are gone. A selection repairs such references, so their
+    /// answers select every object until a selection of all of them has done so.
 };
 
 const Poco::RegularExpression& findWildCard();

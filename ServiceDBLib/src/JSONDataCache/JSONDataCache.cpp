@@ -5,6 +5,7 @@
 #include "Command/StatusObject.h"
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/DBDataToJSONTransformator.h"
+#include "JSONDataCache/StoredObjectRows.h"
 #include "JSONTools.h"
 #include "Logging/LogStream.h"
 
@@ -21,6 +22,7 @@ using Command::ResponseObject;
 using Command::StatusObject;
 using Command::UrlPath;
 using Command::WebSocketResponseObject;
+using DBData::DbId;
 using DBData::Element;
 using DBData::XObject;
 
@@ -44,6 +46,7 @@ JSONDataCache::JSONDataCache(DBData::ServiceMap& serviceCache)
     : m_xobjCache()
     , m_serviceCache(serviceCache)
     , m_systemUUID(makeSystemUUID())
+    , m_pagingBeforeRendering(true)
 {
 }
 
@@ -257,6 +260,14 @@ HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, Respons
 {
     try
     {
+        Poco::JSON::Array::Ptr rows(new Poco::JSON::Array);
+        Poco::JSON::Object::Ptr rowsPaging;
+        if (queryResourceRows(request, *rows, rowsPaging))
+        {
+            constructArrayResponse(Poco::JSON::Object::Ptr(), rows, rowsPaging, out_response);
+            return HTTPStatus::HTTP_OK;
+        }
+
         std::vector<XObject::Ptr> xobjects;
         if (!selectXObjectsByRequest(request, xobjects))
         {
@@ -287,6 +298,66 @@ HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, Respons
         LOG_ERROR("Failed to transform Resource query to Response: " << e.what());
         return HTTPStatus::HTTP_INTERNAL_SERVER_ERROR;
     }
+}
+
+bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Array& out_data,
+                                      Poco::JSON::Object::Ptr& out_paging)
+{
+    const UrlPath& urlPath = request.getUrlPath();
+    const int expansionLevel = getExpansionLevel(request);
+    const Element::Ptr element = selectElement(urlPath.getService(), urlPath.getResource());
+    // Objects without values fail the whole answer, so they have to be rendered to be found.
+    if (!m_pagingBeforeRendering || urlPath.getCharacteristic() != UrlPath::SERVICE_RESOURCE ||
+        element.isNull() || element->getAttributes().empty() || expansionLevel < 0)
+    {
+        return false;
+    }
+    // The full path would repair what the element's objects, or deeper the objects they name, still name.
+    if (m_danglingSuspects.count(element->getDBID()) > 0 ||
+        (expansionLevel > 0 && !m_danglingSuspects.empty()))
+    {
+        return false;
+    }
+
+    std::vector<DbId> ids;
+    std::set<DbId> found;
+    if (findXObjectIds(request, *element, found))
+    {
+        ids.assign(found.begin(), found.end());
+    }
+    else
+    {
+        const Element::XObjectUuidMap& all = element->getXObjectIds();
+        ids.reserve(all.size());
+        for (const auto& entry : all)
+        {
+            ids.push_back(entry.first);
+        }
+        if (ids.empty())
+        {
+            LOG_INFO("Selection of Elements for Resource \"/"
+                     << urlPath.getService() << "/" << urlPath.getResource() << "/\" returned 0 results.");
+        }
+    }
+    if (ids.empty())
+    {
+        return true;
+    }
+
+    StoredObjectRows rows(m_xobjCache, std::move(ids),
+                          [this, expansionLevel](DbId id)
+                          {
+                              const XObject::Ptr object = selectXObject(id, expansionLevel);
+                              Poco::JSON::Object::Ptr rendered(new Poco::JSON::Object(0));
+                              if (object.isNull() || !DBDataToJSONTransformator::transformXObjectToJSONObject(
+                                                         *object, *rendered, expansionLevel))
+                              {
+                                  throw Poco::Exception("invalid format of elements-data.");
+                              }
+                              return Poco::Dynamic::Var(rendered);
+                          });
+    Command::QueryFilterJSON::filterRowsByQuery(rows, request, out_data, out_paging);
+    return true;
 }
 
 template <typename ResponseT>

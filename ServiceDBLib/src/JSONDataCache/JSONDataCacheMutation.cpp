@@ -1,4 +1,5 @@
 #include "JSONDataCache/JSONDataCache.h"
+#include "JSONDataCache/UuidList.h"
 
 #include "JSONDataCache/DBData/Attribute.h"
 #include "JSONDataCache/DBData/AttributeType.h"
@@ -168,6 +169,7 @@ bool JSONDataCache::deleteXObject(const std::string& uuid)
     // References to this object elsewhere stay; they are repaired when next read.
     m_xobjCache.removeObject(uuid);
     element->removeXObject(id);
+    suspectDanglingReferences();
     return true;
 }
 
@@ -195,6 +197,7 @@ std::size_t JSONDataCache::deleteAllServicesWithName(const std::string& servicen
         }
     }
     m_serviceCache.erase(found);
+    suspectDanglingReferences();
     return 1;
 }
 
@@ -243,9 +246,10 @@ bool JSONDataCache::updateCacheAttributeValueById(AttributeValue& attrvalue, boo
     }
     else if (attrvalue.getType() == DBData::AttrType_Object)
     {
-        const Poco::Dynamic::Var uuid(extractUuid(value));
-        success = m_xobjCache.updateValue(parent->getDBID(), attrvalue.getDBID(), uuid) &&
-                  element->updateIndex(attrvalue, uuid);
+        const std::string uuid = extractUuid(value);
+        success = m_xobjCache.updateValue(parent->getDBID(), attrvalue.getDBID(), Poco::Dynamic::Var(uuid)) &&
+                  element->updateIndex(attrvalue, Poco::Dynamic::Var(uuid));
+        suspectDanglingReference(*element, {uuid});
     }
     else
     {
@@ -358,6 +362,11 @@ bool JSONDataCache::updateCacheArrayAttributeValueById(const AttributeValue& att
                 : array);
         success = m_xobjCache.updateValue(parent->getDBID(), attrvalue.getDBID(), stored) &&
                   element->updateIndex(attrvalue, stored);
+        std::vector<std::string> uuids;
+        if (isReference && extractUuidList(stored, uuids))
+        {
+            suspectDanglingReference(*element, uuids);
+        }
     }
 
     if (!success)
@@ -371,6 +380,46 @@ bool JSONDataCache::updateCacheArrayAttributeValueById(const AttributeValue& att
                                                     << array->size() << ") - XObj: " << parent->getUUID()
                                                     << ")");
     return true;
+}
+
+void JSONDataCache::suspectDanglingReferences()
+{
+    for (const auto& service : m_serviceCache)
+    {
+        if (service.second.isNull())
+        {
+            continue;
+        }
+        for (const auto& resource : service.second->getResources())
+        {
+            const Element::Ptr element =
+                resource.second.isNull() ? Element::Ptr() : resource.second->getElement();
+            if (element.isNull())
+            {
+                continue;
+            }
+            for (const auto& attribute : element->getAttributes())
+            {
+                if (!attribute.second.isNull() && attribute.second->getType() == DBData::AttrType_Object)
+                {
+                    m_danglingSuspects.insert(element->getDBID());
+                    break;
+                }
+            }
+        }
+    }
+}
+
+void JSONDataCache::suspectDanglingReference(const Element& element, const std::vector<std::string>& uuids)
+{
+    for (const std::string& uuid : uuids)
+    {
+        if (!uuid.empty() && !m_xobjCache.exists(uuid))
+        {
+            m_danglingSuspects.insert(element.getDBID());
+            return;
+        }
+    }
 }
 
 std::string extractUuid(const Poco::Dynamic::Var& value)

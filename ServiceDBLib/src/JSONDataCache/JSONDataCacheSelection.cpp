@@ -1,4 +1,5 @@
 #include "JSONDataCache/JSONDataCache.h"
+#include "JSONDataCache/UuidList.h"
 
 #include "Command/Query/AnyValueSearch.h"
 #include "Command/Query/AttributeValueSearch.h"
@@ -34,29 +35,6 @@ const std::string REGEX_ANY_TEXT = ".*";
 const std::string REGEX_ALTERNATIVE = "|";
 
 // The UUIDs of a stored array of references; false when the value is no such array.
-bool extractUuidList(const Poco::Dynamic::Var& value, std::vector<std::string>& out_uuids)
-{
-    try
-    {
-        const AttributeValue::ValueArrayPtr array = value.extract<AttributeValue::ValueArrayPtr>();
-        if (array.isNull())
-        {
-            return false;
-        }
-        out_uuids.clear();
-        out_uuids.reserve(array->size());
-        for (const Poco::Dynamic::Var& element : *array)
-        {
-            out_uuids.push_back(element.convert<std::string>());
-        }
-        return true;
-    }
-    catch (const Poco::Exception&)
-    {
-        return false;
-    }
-}
-
 // Compiled once per search, studied, since every key of every index is matched against it.
 Poco::SharedPtr<Poco::RegularExpression> compileSearch(const std::string& pattern)
 {
@@ -236,6 +214,11 @@ bool JSONDataCache::selectXObjectsFromElement(const Element& parentElement,
         }
         retXobjects.push_back(object);
     }
+    if (expansionLevel >= 0)
+    {
+        // Every reference of the element's objects has been resolved, and the dangling ones repaired.
+        m_danglingSuspects.erase(parentElement.getDBID());
+    }
     return !retXobjects.empty();
 }
 
@@ -256,6 +239,33 @@ bool JSONDataCache::selectXObjectsByRequest(const RequestBase& request,
         return false;
     }
 
+    const int expansionLevel = getExpansionLevel(request);
+
+    std::set<DbId> xobjIds;
+    if (!findXObjectIds(request, *element, xobjIds))
+    {
+        return selectXObjectsFromElement(*element, retXobjects, expansionLevel);
+    }
+
+    std::vector<XObject::Ptr> selected;
+    selected.reserve(xobjIds.size());
+    for (const DbId id : xobjIds)
+    {
+        XObject::Ptr object = selectXObject(id, expansionLevel);
+        if (object.isNull())
+        {
+            LOG_WARNING("Could not find XObject with DB ID " << id);
+            continue;
+        }
+        selected.push_back(object);
+    }
+    retXobjects.swap(selected);
+    return true;
+}
+
+bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& element,
+                                   std::set<DbId>& out_ids)
+{
     // Only the first free-text search counts.
     std::string anySearchParam;
     if (request.hasAnyCriteria())
@@ -293,18 +303,16 @@ bool JSONDataCache::selectXObjectsByRequest(const RequestBase& request,
         }
     }
 
-    const int expansionLevel = getExpansionLevel(request);
-
     if (anySearchParam.empty() && attrValueSearchParam.empty())
     {
-        return selectXObjectsFromElement(*element, retXobjects, expansionLevel);
+        return false;
     }
 
     const Poco::RegularExpression anySearchRegEx(prepareRegEx(anySearchParam), 0, true);
     std::set<DbId> xobjIdsAnySearch;
     std::map<DbId, Poco::UInt32> xobjIdsAttrSearch;
 
-    for (const auto& entry : element->getIndexes())
+    for (const auto& entry : element.getIndexes())
     {
         const DBData::IAttributeIndex::Ptr& index = entry.second;
         if (index.isNull())
@@ -329,7 +337,8 @@ bool JSONDataCache::selectXObjectsByRequest(const RequestBase& request,
         }
     }
 
-    std::set<DbId> xobjIds;
+    std::set<DbId>& xobjIds = out_ids;
+    xobjIds.clear();
     if (attrValueSearchParam.empty())
     {
         xobjIds.swap(xobjIdsAnySearch);
@@ -345,20 +354,6 @@ bool JSONDataCache::selectXObjectsByRequest(const RequestBase& request,
             }
         }
     }
-
-    std::vector<XObject::Ptr> selected;
-    selected.reserve(xobjIds.size());
-    for (const DbId id : xobjIds)
-    {
-        XObject::Ptr object = selectXObject(id, expansionLevel);
-        if (object.isNull())
-        {
-            LOG_WARNING("Could not find XObject with DB ID " << id);
-            continue;
-        }
-        selected.push_back(object);
-    }
-    retXobjects.swap(selected);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <Poco/Types.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,13 @@ public:
     /// The page within the list. An id offset is looked up by the "id" key of the object elements,
     /// without regard to case; -1 is the last element (0 in an empty list); an index past the end gives an
     /// empty page at that index.
+
+    Window locate(std::size_t total, const std::function<Poco::Dynamic::Var(std::size_t index)>& idOf) const;
+    /// The same for a list of total elements whose "id" values idOf gives, read only up to the element
+    /// that opens the page.
+
+    bool opensPage(const Poco::Dynamic::Var& id) const;
+    /// True when an element with this "id" value opens a page asked for by id.
 
 private:
     std::string m_uuidOffset;

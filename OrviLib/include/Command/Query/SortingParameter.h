@@ -4,6 +4,8 @@
 
 #include <Poco/Dynamic/Var.h>
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -42,8 +44,14 @@ public:
 
     const std::vector<SortKey>& getSortKeys() const { return m_sortKeys; }
 
+    using KeyReader = std::function<Poco::Dynamic::Var(std::size_t row, const std::string& key)>;
+    /// The value of a key in a row; empty when the row has none or is not an object.
+
     void sort(std::vector<Poco::Dynamic::Var>& elements) const;
     /// Orders the elements by the keys.
+
+    void sort(std::vector<std::size_t>& rows, const KeyReader& valueOf) const;
+    /// Orders the rows by the keys as sort() orders their elements; each key is read once a row.
 
 private:
     std::vector<SortKey> m_sortKeys;

@@ -31,17 +31,6 @@ bool isDecimal(const std::string& text, bool allowMinus)
                        [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; });
 }
 
-bool hasId(const Poco::Dynamic::Var& element, const std::string& id)
-{
-    const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(element);
-    if (object == nullptr)
-    {
-        return false;
-    }
-    const Poco::Dynamic::Var value = object->get(QueryParameter::KEY_ID);
-    return value.type() == typeid(std::string) && Poco::icompare(value.extract<std::string>(), id) == 0;
-}
-
 } // namespace
 
 Paging::Paging()
@@ -108,18 +97,31 @@ bool Paging::parseLimit(const std::string& text, int& out_limit)
 Paging::Window Paging::locate(std::vector<Poco::Dynamic::Var>::const_iterator first,
                               std::vector<Poco::Dynamic::Var>::const_iterator last) const
 {
-    const auto total = static_cast<std::size_t>(last - first);
+    return locate(static_cast<std::size_t>(last - first),
+                  [first](std::size_t index)
+                  {
+                      const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(first[index]);
+                      return object != nullptr ? object->get(QueryParameter::KEY_ID) : Poco::Dynamic::Var();
+                  });
+}
+
+Paging::Window Paging::locate(std::size_t total,
+                              const std::function<Poco::Dynamic::Var(std::size_t index)>& idOf) const
+{
     Window window{true, 0, 0, 0};
     if (m_type == TYPE_UUID)
     {
-        const auto found = std::find_if(
-            first, last, [this](const Poco::Dynamic::Var& element) { return hasId(element, m_uuidOffset); });
-        if (found == last)
+        std::size_t index = 0;
+        while (index < total && !opensPage(idOf(index)))
+        {
+            ++index;
+        }
+        if (index == total)
         {
             window.located = false;
             return window;
         }
-        window.offset = static_cast<std::size_t>(found - first);
+        window.offset = index;
     }
     else if (m_numberOffset == OFFSET_LAST)
     {
@@ -133,6 +135,11 @@ Paging::Window Paging::locate(std::vector<Poco::Dynamic::Var>::const_iterator fi
     window.begin = std::min(window.offset, total);
     window.end = window.begin + std::min(limit, total - window.begin);
     return window;
+}
+
+bool Paging::opensPage(const Poco::Dynamic::Var& id) const
+{
+    return id.type() == typeid(std::string) && Poco::icompare(id.extract<std::string>(), m_uuidOffset) == 0;
 }
 
 } // namespace Orvi::Command

@@ -147,26 +147,48 @@ SortingParameter::~SortingParameter() = default;
 
 void SortingParameter::sort(std::vector<Poco::Dynamic::Var>& elements) const
 {
+    if (m_sortKeys.empty() || elements.size() < 2)
+    {
+        return;
+    }
+    std::vector<std::size_t> order(elements.size());
+    std::iota(order.begin(), order.end(), 0);
+    sort(order,
+         [&elements](std::size_t row, const std::string& key)
+         {
+             const Poco::JSON::Object* object = jsonObjectOf(elements[row]);
+             return object != nullptr ? object->get(key) : Poco::Dynamic::Var();
+         });
+
+    std::vector<Poco::Dynamic::Var> sorted;
+    sorted.reserve(elements.size());
+    for (const std::size_t index : order)
+    {
+        sorted.push_back(elements[index]);
+    }
+    elements.swap(sorted);
+}
+
+void SortingParameter::sort(std::vector<std::size_t>& rows, const KeyReader& valueOf) const
+{
     const std::size_t keyCount = m_sortKeys.size();
-    if (keyCount == 0 || elements.size() < 2)
+    if (keyCount == 0 || rows.size() < 2)
     {
         return;
     }
 
-    // All keys of all elements are read once, row by row, so that comparing costs no lookups.
+    // All keys of all rows are read once, row by row, so that comparing costs no lookups.
     std::vector<KeyValue> keys;
-    keys.reserve(elements.size() * keyCount);
-    for (const Poco::Dynamic::Var& element : elements)
+    keys.reserve(rows.size() * keyCount);
+    for (const std::size_t row : rows)
     {
-        const Poco::JSON::Object* object = jsonObjectOf(element);
         for (const SortKey& sortKey : m_sortKeys)
         {
-            keys.push_back(object != nullptr ? readKey(object->get(sortKey.name))
-                                             : KeyValue{KIND_MISSING, 0, {}, false});
+            keys.push_back(readKey(valueOf(row, sortKey.name)));
         }
     }
 
-    std::vector<std::size_t> order(elements.size());
+    std::vector<std::size_t> order(rows.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t left, std::size_t right)
@@ -188,13 +210,13 @@ void SortingParameter::sort(std::vector<Poco::Dynamic::Var>& elements) const
                          return false;
                      });
 
-    std::vector<Poco::Dynamic::Var> sorted;
-    sorted.reserve(elements.size());
+    std::vector<std::size_t> sorted;
+    sorted.reserve(rows.size());
     for (const std::size_t index : order)
     {
-        sorted.push_back(elements[index]);
+        sorted.push_back(rows[index]);
     }
-    elements.swap(sorted);
+    rows.swap(sorted);
 }
 
 } // namespace Orvi::Command

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <Poco/Dynamic/Var.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace Orvi::Command
+{
+
+/// A list that QueryFilterJSON searches, sorts and pages without holding it as JSON.
+///
+/// Each row stands for one element of the JSON array that the list would render to. Search, sort and
+/// paging read single members; only the rows of the answer are rendered. An implementation gives the
+/// members exactly as the rendered element would hold them, so that the answer is the one that the
+/// rendered array gives.
+class QueryRows
+{
+public:
+    using MemberTest = std::function<bool(const Poco::Dynamic::Var&)>;
+    /// Decides on one member value.
+
+    virtual ~QueryRows();
+
+    virtual std::size_t size() const = 0;
+
+    virtual bool isObject(std::size_t row) = 0;
+    /// False for an element that is not a JSON object: search keeps it, sorting puts it last and paging by
+    /// id passes over it.
+
+    virtual Poco::Dynamic::Var member(std::size_t row, const std::string& key) = 0;
+    /// The value under key in the rendered element; empty when it has none or it is null.
+
+    virtual bool anyMember(std::size_t row, const MemberTest& test) = 0;
+    /// True when test accepts a member of the rendered element. Null members may be left out.
+
+    virtual Poco::Dynamic::Var render(std::size_t row) = 0;
+    /// The rendered element.
+
+protected:
+    QueryRows() = default;
+    QueryRows(const QueryRows&) = default;
+    QueryRows& operator=(const QueryRows&) = default;
+};
+
+} // namespace Orvi::Command

@@ -1,0 +1,8 @@
+#include "Command/QueryRows.h"
+
+namespace Orvi::Command
+{
+
+QueryRows::~QueryRows() = default;
+
+} // namespace Orvi::Command

@@ -1,0 +1,164 @@
+#include "JSONDataCache/StoredObjectRows.h"
+
+#include "Command/Query/QueryParameter.h"
+#include "JSONDataCache/DBData/AttributeType.h"
+#include "JSONDataCache/DBDataToJSONTransformator.h"
+#include "JSONDataCache/UuidList.h"
+
+#include <Poco/Bugcheck.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+
+#include <utility>
+
+namespace Orvi::JSONDataCache
+{
+
+namespace
+{
+
+constexpr std::size_t NO_ROW = static_cast<std::size_t>(-1);
+
+} // namespace
+
+StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store, std::vector<DBData::XObjectId> ids,
+                                   Renderer renderer)
+    : m_store(store)
+    , m_ids(std::move(ids))
+    , m_renderer(std::move(renderer))
+    , m_row(NO_ROW)
+{
+}
+
+StoredObjectRows::~StoredObjectRows() = default;
+
+const DBData::XObject& StoredObjectRows::object(std::size_t row)
+{
+    // Search and sort read several members of one row in turn.
+    if (row != m_row)
+    {
+        m_object = m_store.get(m_ids[row]);
+        m_row = row;
+    }
+    if (m_object.isNull())
+    {
+        poco_bugcheck_msg("An object of the resource is missing from the store");
+    }
+    return *m_object;
+}
+
+Poco::Dynamic::Var StoredObjectRows::member(std::size_t row, const std::string& key)
+{
+    const DBData::XObject& stored = object(row);
+    Poco::Dynamic::Var result;
+    bool found = false;
+    // A later cell of the same name would replace an earlier one in the rendered object.
+    for (const DBData::AttributeValuePtr& cell : stored.getAttributeValues())
+    {
+        if (!cell.isNull() && !cell->getAttribute().isNull() && cell->getName() == key)
+        {
+            result = renderedValue(*cell);
+            found = !result.isEmpty();
+        }
+    }
+    if (!found && key == Command::QueryParameter::KEY_ID)
+    {
+        return stored.getId().toString();
+    }
+    return result;
+}
+
+bool StoredObjectRows::anyMember(std::size_t row, const MemberTest& test)
+{
+    const DBData::XObject& stored = object(row);
+    bool idRendered = false;
+    for (const DBData::AttributeValuePtr& cell : stored.getAttributeValues())
+    {
+        if (cell.isNull() || cell->getAttribute().isNull())
+        {
+            continue;
+        }
+        const Poco::Dynamic::Var value = renderedValue(*cell);
+        if (value.isEmpty())
+        {
+            continue;
+        }
+        if (cell->getName() == Command::QueryParameter::KEY_ID)
+        {
+            idRendered = true;
+        }
+        if (test(value))
+        {
+            return true;
+        }
+    }
+    return !idRendered && test(Poco::Dynamic::Var(stored.getId().toString()));
+}
+
+Poco::Dynamic::Var StoredObjectRows::render(std::size_t row)
+{
+    return m_renderer(m_ids[row]);
+}
+
+Poco::Dynamic::Var StoredObjectRows::renderedValue(const DBData::AttributeValue& cell) const
+{
+    const Poco::Dynamic::Var& value = cell.getValue();
+    if (value.isEmpty())
+    {
+        return {};
+    }
+    if (cell.getType() != DBData::AttrType_Object)
+    {
+        if (!cell.isArray())
+        {
+            return value;
+        }
+        Poco::Dynamic::Var rendered;
+        DBDataToJSONTransformator::handleAttributeValue(cell.getType(), cell.getName(), true, value, 0,
+                                                        rendered);
+        return rendered;
+    }
+    if (!cell.isArray())
+    {
+        return renderedReference(value.extract<std::string>());
+    }
+    std::vector<std::string> uuids;
+    if (!extractUuidList(value, uuids))
+    {
+        return {};
+    }
+    Poco::JSON::Array::Ptr rendered(new Poco::JSON::Array);
+    for (const std::string& uuid : uuids)
+    {
+        Poco::Dynamic::Var reference = renderedReference(uuid);
+        if (!reference.isEmpty())
+        {
+            rendered->add(reference);
+        }
+    }
+    return rendered->size() > 0 ? Poco::Dynamic::Var(rendered) : Poco::Dynamic::Var();
+}
+
+Poco::Dynamic::Var StoredObjectRows::renderedReference(const std::string& uuid) const
+{
+    const DBData::XObject::Ptr target = m_store.get(uuid);
+    if (target.isNull() || target->getAttributeValues().empty())
+    {
+        return {};
+    }
+    Poco::JSON::Object::Ptr reference(new Poco::JSON::Object(0));
+    reference->set(Command::QueryParameter::KEY_ID, renderedId(*target));
+    return reference;
+}
+
+Poco::Dynamic::Var StoredObjectRows::renderedId(const DBData::XObject& object)
+{
+    const DBData::AttributeValuePtr cell = object.getValue(Command::QueryParameter::KEY_ID);
+    if (!cell.isNull() && cell->hasValue() && cell->getType() != DBData::AttrType_Object && !cell->isArray())
+    {
+        return cell->getValue();
+    }
+    return object.getId().toString();
+}
+
+} // namespace Orvi::JSONDataCache

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Command/QueryRows.h"
+#include "JSONDataCache/DBData/XObject.h"
+#include "JSONDataCache/DBData/XObjectCache.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Orvi::JSONDataCache
+{
+
+/// Stored objects as the rows of a resource answer: search, sort and paging read the stored values as
+/// the rendered objects would hold them, and only the objects of the answer are selected and rendered.
+///
+/// A member of a rendered object is its stored value, but for references: a reference renders as the
+/// object it names, which search and sort see by its "id" alone, and a reference whose object is gone
+/// renders as nothing (the selection of that object repairs it).
+class StoredObjectRows : public Command::QueryRows
+{
+public:
+    using Renderer = std::function<Poco::Dynamic::Var(DBData::XObjectId id)>;
+    /// Selects and renders one object of the answer.
+
+    StoredObjectRows(const DBData::XObjectCache& store, std::vector<DBData::XObjectId> ids,
+                     Renderer renderer);
+    /// The rows are the objects of these ids, in this order.
+
+    ~StoredObjectRows() override;
+
+    std::size_t size() const override { return m_ids.size(); }
+    bool isObject(std::size_t) override { return true; }
+    Poco::Dynamic::Var member(std::size_t row, const std::string& key) override;
+    bool anyMember(std::size_t row, const MemberTest& test) override;
+    Poco::Dynamic::Var render(std::size_t row) override;
+
+private:
+    const DBData::XObject& object(std::size_t row);
+    Poco::Dynamic::Var renderedValue(const DBData::AttributeValue& cell) const;
+    Poco::Dynamic::Var renderedReference(const std::string& uuid) const;
+    static Poco::Dynamic::Var renderedId(const DBData::XObject& object);
+
+    const DBData::XObjectCache& m_store;
+    std::vector<DBData::XObjectId> m_ids;
+    Renderer m_renderer;
+    std::size_t m_row;
+    DBData::XObject::Ptr m_object;
+};
+
+} // namespace Orvi::JSONDataCache
