@@ -489,3 +489,18 @@ TEST(Element, GivesTheIdKeyedMapAsItsObjectIds)
 }
 
 } // namespace
+
+TEST(Element, ListsTheIdsOfItsObjectsInAscendingOrderWhateverTheOrderOfRegistration)
+{
+    DoorSchema schema;
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(7, "00000000-0000-4000-8000-000000000007")));
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(3, "00000000-0000-4000-8000-000000000003")));
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(9, "00000000-0000-4000-8000-000000000009")));
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(5, "00000000-0000-4000-8000-000000000005")));
+    ASSERT_FALSE(schema.sut.addXObject(*makeObject(5, "00000000-0000-4000-8000-000000000055")));
+
+    schema.sut.removeXObject(7);
+    schema.sut.removeXObject(8);
+
+    EXPECT_EQ(schema.sut.getXObjectIdList(), (std::vector<Orvi::DBData::DbId>{3, 5, 9}));
+}

@@ -327,12 +327,7 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Ar
     }
     else
     {
-        const Element::XObjectUuidMap& all = element->getXObjectIds();
-        ids.reserve(all.size());
-        for (const auto& entry : all)
-        {
-            ids.push_back(entry.first);
-        }
+        ids = element->getXObjectIdList();
         if (ids.empty())
         {
             LOG_INFO("Selection of Elements for Resource \"/"

@@ -79,6 +79,9 @@ public:
     const XObjectUuidMap& getXObjectIds() const { return xobjects; }
     /// The registered objects by id.
 
+    const std::vector<DbId>& getXObjectIdList() const { return xobjectIdList; }
+    /// The ids of the registered objects in ascending order, in one block of memory.
+
     std::vector<long> getAllXObjectIds() const;
     /// The ids of all registered objects, in the order of their UUIDs.
 
@@ -102,6 +105,7 @@ private:
     Resource& parent;
     XObjectIdMap xobjectIds;
     XObjectUuidMap xobjects;
+    std::vector<DbId> xobjectIdList;
     AttributeMap attributes;
     AttributeIndexMap attributeIndexMaps;
     std::vector<Endpoint> endpoints;

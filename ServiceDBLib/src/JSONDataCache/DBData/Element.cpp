@@ -8,6 +8,8 @@
 
 #include <Poco/Bugcheck.h>
 
+#include <algorithm>
+
 namespace Orvi::DBData
 {
 
@@ -100,6 +102,8 @@ bool Element::addXObject(const XObject& object)
     }
     const bool idsInserted = xobjectIds.emplace(uuid, id).second;
     const bool objectsInserted = xobjects.emplace(id, uuid).second;
+    // New ids mostly come after all others.
+    xobjectIdList.insert(std::upper_bound(xobjectIdList.begin(), xobjectIdList.end(), id), id);
     return idsInserted && objectsInserted;
 }
 
@@ -112,6 +116,7 @@ void Element::removeXObject(const DbId& id)
     }
     xobjectIds.erase(found->second);
     xobjects.erase(found);
+    xobjectIdList.erase(std::lower_bound(xobjectIdList.begin(), xobjectIdList.end(), id));
 }
 
 bool Element::updateIndex(const AttributeValue& value, const Poco::Dynamic::Var& newValue)
