@@ -268,6 +268,21 @@ void BM_ObjectStoreGetResourcePageOf20(benchmark::State& state)
                "/" + SERVICE + "/" + RESOURCE + "?$offset=" + std::to_string(count / 2) + "&$limit=20");
 }
 
+// Sorted by a number whose order differs from the order of the ids, descending.
+void BM_ObjectStoreGetSortedPageOf20(benchmark::State& state)
+{
+    const std::int64_t count = state.range(0);
+    Fleet fleet;
+    if (!fleet.fill(count))
+    {
+        state.SkipWithError("an insertion was refused");
+        return;
+    }
+    answerEach(state, fleet,
+               "/" + SERVICE + "/" + RESOURCE + "?$sortby=-mileage&$offset=" + std::to_string(count / 2) +
+                   "&$limit=20");
+}
+
 // A serial number is unique: the search finds one object, so the cost is that of the search.
 void BM_ObjectStoreSearchByAttribute(benchmark::State& state)
 {
@@ -385,5 +400,6 @@ BENCHMARK(BM_ObjectStoreGetResourcePageOf20)
     ->Arg(10000)
     ->Arg(100000)
     ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ObjectStoreGetSortedPageOf20)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ObjectStoreSearchByAttribute)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ObjectStoreSearchByFreeText)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);

@@ -209,13 +209,15 @@ start_server json-server "$json_server" --host 127.0.0.1 --port "$peer_port" --q
 peer="http://127.0.0.1:$peer_port"
 wait_until_answers "$peer/tracks?_limit=1" "$started_pid" json-server
 
-kinds=(object page search)
+kinds=(object page sorted search)
 declare -A ours_path peer_path
 ours_path[object]="/audio/tracks/$track_id"
 ours_path[page]="/audio/tracks?\$limit=20"
+ours_path[sorted]="/audio/tracks?\$sortby=-year&\$limit=20"
 ours_path[search]="/audio/tracks?genre=rock"
 peer_path[object]="/tracks/$track_id"
 peer_path[page]="/tracks?_limit=20"
+peer_path[sorted]="/tracks?_sort=year&_order=desc&_limit=20"
 peer_path[search]="/tracks?genre=rock"
 
 # 5. one fixed-body server per answer of ours, each with exactly that answer's bytes
