@@ -205,6 +205,20 @@ void answerEach(benchmark::State& state, Fleet& fleet, const std::string& addres
     }
 }
 
+// Fills a fleet of state.range(0) objects and answers the address made for that count in every iteration.
+template <typename AddressOf>
+void answerEachInFleet(benchmark::State& state, AddressOf addressOf)
+{
+    const std::int64_t count = state.range(0);
+    Fleet fleet;
+    if (!fleet.fill(count))
+    {
+        state.SkipWithError("an insertion was refused");
+        return;
+    }
+    answerEach(state, fleet, addressOf(count));
+}
+
 std::int64_t residentBytes()
 {
     std::ifstream statm("/proc/self/statm");
@@ -245,69 +259,41 @@ void BM_ObjectStoreInsertWithValues(benchmark::State& state)
 
 void BM_ObjectStoreGetObject(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    answerEach(state, fleet, "/" + SERVICE + "/" + RESOURCE + "/" + uuidOf(count / 2));
+    answerEachInFleet(state, [](std::int64_t count)
+                      { return "/" + SERVICE + "/" + RESOURCE + "/" + uuidOf(count / 2); });
 }
 
 void BM_ObjectStoreGetResourcePageOf20(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    answerEach(state, fleet,
-               "/" + SERVICE + "/" + RESOURCE + "?$offset=" + std::to_string(count / 2) + "&$limit=20");
+    answerEachInFleet(
+        state, [](std::int64_t count)
+        { return "/" + SERVICE + "/" + RESOURCE + "?$offset=" + std::to_string(count / 2) + "&$limit=20"; });
 }
 
 // Sorted by a number whose order differs from the order of the ids, descending.
 void BM_ObjectStoreGetSortedPageOf20(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    answerEach(state, fleet,
-               "/" + SERVICE + "/" + RESOURCE + "?$sortby=-mileage&$offset=" + std::to_string(count / 2) +
-                   "&$limit=20");
+    answerEachInFleet(state,
+                      [](std::int64_t count)
+                      {
+                          return "/" + SERVICE + "/" + RESOURCE +
+                                 "?$sortby=-mileage&$offset=" + std::to_string(count / 2) + "&$limit=20";
+                      });
 }
 
 // A serial number is unique: the search finds one object, so the cost is that of the search.
 void BM_ObjectStoreSearchByAttribute(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    answerEach(state, fleet, "/" + SERVICE + "/" + RESOURCE + "?serial=" + serialOf(count / 2));
-    state.SetItemsProcessed(state.iterations() * count);
+    answerEachInFleet(state, [](std::int64_t count)
+                      { return "/" + SERVICE + "/" + RESOURCE + "?serial=" + serialOf(count / 2); });
+    state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 void BM_ObjectStoreSearchByFreeText(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    answerEach(state, fleet, "/" + SERVICE + "/" + RESOURCE + "?$q=" + serialOf(count / 2));
-    state.SetItemsProcessed(state.iterations() * count);
+    answerEachInFleet(state, [](std::int64_t count)
+                      { return "/" + SERVICE + "/" + RESOURCE + "?$q=" + serialOf(count / 2); });
+    state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 // Reports what filling a store keeps resident, in total and for each object. The filled store stays

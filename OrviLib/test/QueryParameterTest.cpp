@@ -64,3 +64,14 @@ TEST(QueryParameter, FindsNoArrayInOtherValues)
         QueryParameter::jsonArrayOf(Poco::Dynamic::Var(Poco::JSON::Object::Ptr(new Poco::JSON::Object()))),
         nullptr);
 }
+
+TEST(QueryParameter, GivesTheMemberOfAnObjectAndNothingForOtherValues)
+{
+    Poco::JSON::Object::Ptr object(new Poco::JSON::Object);
+    object->set("id", "a1");
+
+    EXPECT_EQ(QueryParameter::memberOf(Poco::Dynamic::Var(object), "id").convert<std::string>(), "a1");
+    EXPECT_TRUE(QueryParameter::memberOf(Poco::Dynamic::Var(object), "name").isEmpty());
+    EXPECT_TRUE(QueryParameter::memberOf(Poco::Dynamic::Var("id"), "id").isEmpty());
+    EXPECT_TRUE(QueryParameter::memberOf(Poco::Dynamic::Var(), "id").isEmpty());
+}

@@ -120,8 +120,7 @@ public:
 
     Poco::Dynamic::Var member(std::size_t row, const std::string& key) override
     {
-        const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(m_elements[row]);
-        return object != nullptr ? object->get(key) : Poco::Dynamic::Var();
+        return QueryParameter::memberOf(m_elements[row], key);
     }
 
     bool anyMember(std::size_t row, const MemberTest& test) override

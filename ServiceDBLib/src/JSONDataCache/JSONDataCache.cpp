@@ -32,6 +32,8 @@ namespace
 {
 
 constexpr char URI_SEPARATOR = '/';
+// The failure of a resource answer when one of its objects does not render.
+const char* const INVALID_ELEMENTS_DATA = "invalid format of elements-data.";
 
 Poco::UUID makeSystemUUID()
 {
@@ -283,7 +285,7 @@ HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, Respons
 
         if (!DBDataToJSONTransformator::transformXObjectsToJSONArray(xobjects, *dataArray, expansionLevel))
         {
-            throw Poco::Exception("invalid format of elements-data.");
+            throw Poco::Exception(INVALID_ELEMENTS_DATA);
         }
         if (dataArray->size() > 0)
         {
@@ -347,7 +349,7 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Ar
                               if (object.isNull() || !DBDataToJSONTransformator::transformXObjectToJSONObject(
                                                          *object, *rendered, expansionLevel))
                               {
-                                  throw Poco::Exception("invalid format of elements-data.");
+                                  throw Poco::Exception(INVALID_ELEMENTS_DATA);
                               }
                               return Poco::Dynamic::Var(rendered);
                           });

@@ -26,6 +26,10 @@ public:
     static const Poco::JSON::Object* jsonObjectOf(const Poco::Dynamic::Var& value);
     /// The JSON object that the value holds, by pointer or by value; null for anything else.
 
+    static Poco::Dynamic::Var memberOf(const Poco::Dynamic::Var& value, const std::string& key);
+    /// The member under key of the JSON object that the value holds; empty when it has none or the value
+    /// holds no object.
+
     static const Poco::JSON::Array* jsonArrayOf(const Poco::Dynamic::Var& value);
     /// The JSON array that the value holds, by pointer or by value; null for anything else.
 

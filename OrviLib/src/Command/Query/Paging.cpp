@@ -97,12 +97,8 @@ bool Paging::parseLimit(const std::string& text, int& out_limit)
 Paging::Window Paging::locate(std::vector<Poco::Dynamic::Var>::const_iterator first,
                               std::vector<Poco::Dynamic::Var>::const_iterator last) const
 {
-    return locate(static_cast<std::size_t>(last - first),
-                  [first](std::size_t index)
-                  {
-                      const Poco::JSON::Object* object = QueryParameter::jsonObjectOf(first[index]);
-                      return object != nullptr ? object->get(QueryParameter::KEY_ID) : Poco::Dynamic::Var();
-                  });
+    return locate(static_cast<std::size_t>(last - first), [first](std::size_t index)
+                  { return QueryParameter::memberOf(first[index], QueryParameter::KEY_ID); });
 }
 
 Paging::Window Paging::locate(std::size_t total,

@@ -29,6 +29,12 @@ const Poco::JSON::Object* QueryParameter::jsonObjectOf(const Poco::Dynamic::Var&
     return nullptr;
 }
 
+Poco::Dynamic::Var QueryParameter::memberOf(const Poco::Dynamic::Var& value, const std::string& key)
+{
+    const Poco::JSON::Object* object = jsonObjectOf(value);
+    return object != nullptr ? object->get(key) : Poco::Dynamic::Var();
+}
+
 const Poco::JSON::Array* QueryParameter::jsonArrayOf(const Poco::Dynamic::Var& value)
 {
     const Poco::JSON::Array* array = nullptr;

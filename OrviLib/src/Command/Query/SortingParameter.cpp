@@ -154,11 +154,7 @@ void SortingParameter::sort(std::vector<Poco::Dynamic::Var>& elements) const
     std::vector<std::size_t> order(elements.size());
     std::iota(order.begin(), order.end(), 0);
     sort(order,
-         [&elements](std::size_t row, const std::string& key)
-         {
-             const Poco::JSON::Object* object = jsonObjectOf(elements[row]);
-             return object != nullptr ? object->get(key) : Poco::Dynamic::Var();
-         });
+         [&elements](std::size_t row, const std::string& key) { return memberOf(elements[row], key); });
 
     std::vector<Poco::Dynamic::Var> sorted;
     sorted.reserve(elements.size());
