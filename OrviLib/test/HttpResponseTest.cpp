@@ -249,6 +249,40 @@ TEST(HttpResponse, TakesTheBodyOfAResponseObject)
     EXPECT_EQ(sut.getBody(), R"({"data":{"name":"door"},"status":"ok"})");
 }
 
+TEST(HttpResponse, RendersAJsonBodyIntoTextOfTheSameBytesAndMediaType)
+{
+    HttpResponse sut;
+    sut.setDataFromObject(makeObject("name", "door"));
+
+    sut.renderBody();
+
+    EXPECT_TRUE(sut.getJsonMsg().isNull());
+    EXPECT_EQ(sut.getTextMsg(), R"({"name":"door"})");
+    EXPECT_EQ(sut.getMimetype(), "application/json; charset=utf-8");
+    EXPECT_EQ(sut.getBody(), R"({"name":"door"})");
+}
+
+TEST(HttpResponse, KeepsATextBodyWhenRenderingIt)
+{
+    HttpResponse sut;
+    sut.setDataFromText("plain", "text/plain");
+
+    sut.renderBody();
+
+    EXPECT_EQ(sut.getTextMsg(), "plain");
+    EXPECT_EQ(sut.getMimetype(), "text/plain");
+}
+
+TEST(HttpResponse, StaysWithoutContentWhenRenderingNothing)
+{
+    HttpResponse sut;
+
+    sut.renderBody();
+
+    EXPECT_FALSE(sut.hasContent());
+    EXPECT_EQ(sut.getBody(), "");
+}
+
 TEST(HttpResponse, HasNoContentForANullObject)
 {
     HttpResponse sut;

@@ -180,6 +180,7 @@ void HttpRequestHandlerBase::processRequestSync(Poco::Net::HTTPServerRequest& re
     }
     if (method == Poco::Net::HTTPRequest::HTTP_GET || method == Poco::Net::HTTPRequest::HTTP_HEAD)
     {
+        httpResponse.renderBody();
         if (Net::OrviHttpCacheHandler::handleRequest(request, response, httpResponse) ==
             Net::HTTPCacheHandler::CONTENT_UNCHANGED)
         {

@@ -67,6 +67,10 @@ public:
     std::string getBody() const;
     /// The bytes of the body: the JSON body in compact form, otherwise the text.
 
+    void renderBody();
+    /// Replaces a JSON body by its bytes, keeping the media type, so that an answer that is both
+    /// tagged and sent is rendered once.
+
     void send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTPEncoderDecoder& coder,
               bool headOnly) const;
     /// Sends the answer: status with its reason, Location when set, and for content its media type,

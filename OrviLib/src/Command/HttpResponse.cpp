@@ -59,6 +59,15 @@ std::string HttpResponse::getBody() const
     return body.str();
 }
 
+void HttpResponse::renderBody()
+{
+    if (!m_jsonMsg.isNull())
+    {
+        m_textMsg = getBody();
+        m_jsonMsg.reset();
+    }
+}
+
 void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTPEncoderDecoder& coder,
                         bool headOnly) const
 {
