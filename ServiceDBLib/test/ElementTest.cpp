@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -488,8 +489,6 @@ TEST(Element, GivesTheIdKeyedMapAsItsObjectIds)
                                  Pair(3, Poco::UUID(THIRD_UUID))));
 }
 
-} // namespace
-
 TEST(Element, ListsTheIdsOfItsObjectsInAscendingOrderWhateverTheOrderOfRegistration)
 {
     DoorSchema schema;
@@ -504,3 +503,63 @@ TEST(Element, ListsTheIdsOfItsObjectsInAscendingOrderWhateverTheOrderOfRegistrat
 
     EXPECT_EQ(schema.sut.getXObjectIdList(), (std::vector<Orvi::DBData::DbId>{3, 5, 9}));
 }
+
+// Version
+
+TEST(Element, ChangesItsVersionWithARegistrationAndAnUnregistration)
+{
+    DoorSchema schema;
+    const Poco::UInt64 before = schema.sut.getVersion();
+
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(5, FIRST_UUID)));
+    const Poco::UInt64 afterAdding = schema.sut.getVersion();
+    schema.sut.removeXObject(5);
+
+    EXPECT_NE(afterAdding, before);
+    EXPECT_NE(schema.sut.getVersion(), afterAdding);
+    EXPECT_NE(schema.sut.getVersion(), before);
+}
+
+TEST(Element, ChangesItsVersionWithEveryIndexChangeEvenWhenTheIndexRefusesIt)
+{
+    DoorSchema schema;
+    const AttributeValue cell(7, schema.count, 1);
+    const AttributeValue foreign(7, new Attribute("count", AttrType_String, false), 2);
+    LogCapture capture;
+    std::vector<Poco::UInt64> versions{schema.sut.getVersion()};
+
+    schema.sut.updateIndex(cell, Var(4));
+    versions.push_back(schema.sut.getVersion());
+    schema.sut.removeFromIndex(cell);
+    versions.push_back(schema.sut.getVersion());
+    schema.sut.updateIndex(foreign, Var("four"));
+    versions.push_back(schema.sut.getVersion());
+    schema.sut.removeFromIndex(foreign);
+    versions.push_back(schema.sut.getVersion());
+
+    std::sort(versions.begin(), versions.end());
+    EXPECT_EQ(std::adjacent_find(versions.begin(), versions.end()), versions.end());
+}
+
+TEST(Element, KeepsItsVersionForRefusedRegistrationsAndUnknownRemovals)
+{
+    DoorSchema schema;
+    ASSERT_TRUE(schema.sut.addXObject(*makeObject(5, FIRST_UUID)));
+    LogCapture capture;
+    const Poco::UInt64 before = schema.sut.getVersion();
+
+    EXPECT_FALSE(schema.sut.addXObject(*makeObject(5, SECOND_UUID)));
+    schema.sut.removeXObject(6);
+
+    EXPECT_EQ(schema.sut.getVersion(), before);
+}
+
+TEST(Element, SharesNoVersionWithAnotherElement)
+{
+    DoorSchema first;
+    DoorSchema second;
+
+    EXPECT_NE(first.sut.getVersion(), second.sut.getVersion());
+}
+
+} // namespace

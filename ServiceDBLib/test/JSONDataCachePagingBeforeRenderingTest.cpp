@@ -845,4 +845,54 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest,
     EXPECT_EQ(actual.body, answer(stores.reference, address).body);
 }
 
+TEST_F(JSONDataCachePagingBeforeRenderingTest, SortsAgainWhenAValueOfTheSortKeyChangesBetweenTwoPages)
+{
+    insertThings(5);
+    stores.write(thingUuid(1), "weight", 2.5);
+    stores.write(thingUuid(3), "weight", -1.0);
+    const std::string address = "/yard/things?$sortby=weight&$fields=weight&$limit=2";
+    ASSERT_EQ(idsOf(answer(sut, address).body), Strings({thingUuid(3), thingUuid(1)}));
+
+    stores.write(thingUuid(4), "weight", 0.5);
+    const Answer actual = answer(sut, address);
+
+    EXPECT_EQ(idsOf(actual.body), Strings({thingUuid(3), thingUuid(4)}));
+    EXPECT_EQ(actual.body, answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, SortsAgainWhenAnObjectIsInsertedOrDeletedBetweenTwoPages)
+{
+    insertThings(3);
+    stores.write(thingUuid(1), "count", 5);
+    stores.write(thingUuid(2), "count", 9);
+    stores.write(thingUuid(3), "count", 1);
+    const std::string address = "/yard/things?$sortby=-count&$fields=count&$limit=3";
+    ASSERT_EQ(idsOf(answer(sut, address).body), Strings({thingUuid(2), thingUuid(1), thingUuid(3)}));
+
+    stores.insert(THINGS, thingUuid(4));
+    stores.write(thingUuid(4), "count", 7);
+    const Answer afterInsert = answer(sut, address);
+    stores.remove(thingUuid(2));
+    const Answer afterDelete = answer(sut, address);
+
+    EXPECT_EQ(idsOf(afterInsert.body), Strings({thingUuid(2), thingUuid(4), thingUuid(1)}));
+    EXPECT_EQ(idsOf(afterDelete.body), Strings({thingUuid(4), thingUuid(1), thingUuid(3)}));
+    EXPECT_EQ(afterDelete.body, answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, KeepsTheOrdersOfDifferentSortsApart)
+{
+    insertThings(3);
+    stores.write(thingUuid(1), "count", 5);
+    stores.write(thingUuid(2), "count", 9);
+    stores.write(thingUuid(3), "count", 1);
+    const std::string ascending = "/yard/things?$sortby=count&$fields=count";
+    const std::string descending = "/yard/things?$sortby=-count&$fields=count";
+    answer(sut, ascending);
+    answer(sut, descending);
+
+    EXPECT_EQ(idsOf(answer(sut, ascending).body), Strings({thingUuid(3), thingUuid(1), thingUuid(2)}));
+    EXPECT_EQ(idsOf(answer(sut, descending).body), Strings({thingUuid(2), thingUuid(1), thingUuid(3)}));
+}
+
 } // namespace

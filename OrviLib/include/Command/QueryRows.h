@@ -1,10 +1,14 @@
 #pragma once
 
+#include "Command/Query/SortingParameter.h"
+
 #include <Poco/Dynamic/Var.h>
+#include <Poco/SharedPtr.h>
 
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Orvi::Command
 {
@@ -20,6 +24,9 @@ class QueryRows
 public:
     using MemberTest = std::function<bool(const Poco::Dynamic::Var&)>;
     /// Decides on one member value.
+
+    using Sortings = std::vector<Poco::SharedPtr<SortingParameter>>;
+    /// The sort criteria of a query, the first deciding.
 
     virtual ~QueryRows();
 
@@ -37,6 +44,10 @@ public:
 
     virtual Poco::Dynamic::Var render(std::size_t row) = 0;
     /// The rendered element.
+
+    virtual void sort(std::vector<std::size_t>& selected, const Sortings& sortings);
+    /// Orders the selected rows (ascending) by the sortings, rows that compare equal keeping their
+    /// order. An implementation may give an order it remembers, when it is the order this would give.
 
 protected:
     QueryRows() = default;

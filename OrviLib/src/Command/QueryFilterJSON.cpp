@@ -282,12 +282,9 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
         }
     }
 
-    // Stable sorts from the last criterion to the first leave the first one deciding.
-    const SortingParameter::KeyReader valueOf = [&rows](std::size_t row, const std::string& key)
-    { return rows.isObject(row) ? rows.member(row, key) : Poco::Dynamic::Var(); };
-    for (auto sorting = criteria.sortings.rbegin(); sorting != criteria.sortings.rend(); ++sorting)
+    if (!criteria.sortings.empty())
     {
-        (*sorting)->sort(selected, valueOf);
+        rows.sort(selected, criteria.sortings);
     }
 
     std::size_t first = 0;
@@ -295,9 +292,14 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
     if (out_paging != nullptr && !criteria.pagings.empty())
     {
         const Paging& paging = *criteria.pagings.front();
-        const Paging::Window window =
-            paging.locate(selected.size(), [&](std::size_t index)
-                          { return valueOf(selected[index], QueryParameter::KEY_ID); });
+        const Paging::Window window = paging.locate(selected.size(),
+                                                    [&](std::size_t index)
+                                                    {
+                                                        const std::size_t row = selected[index];
+                                                        return rows.isObject(row)
+                                                                   ? rows.member(row, QueryParameter::KEY_ID)
+                                                                   : Poco::Dynamic::Var();
+                                                    });
         first = window.begin;
         last = window.end;
         *out_paging = pagingObject(paging, window, selected.size(), request);

@@ -21,6 +21,7 @@
 #include <Poco/UUID.h>
 
 #include <cstddef>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -28,6 +29,8 @@
 
 namespace Orvi::JSONDataCache
 {
+
+class SortedOrderCache;
 
 /// The in-memory database of one microservice and its query engine. Holds the service rows by
 /// reference; entered by one thread at a time.
@@ -251,6 +254,8 @@ private:
     std::set<DBData::DbId> m_danglingSuspects;
     /// Elements whose objects may name objects that are gone. A selection repairs such references, so their
     /// answers select every object until a selection of all of them has done so.
+    std::unique_ptr<SortedOrderCache> m_sortedOrders;
+    /// Sorted orders of whole elements, kept while their elements stay unchanged.
 };
 
 const Poco::RegularExpression& findWildCard();

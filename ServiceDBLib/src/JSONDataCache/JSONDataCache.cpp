@@ -5,6 +5,7 @@
 #include "Command/StatusObject.h"
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/DBDataToJSONTransformator.h"
+#include "JSONDataCache/SortedOrderCache.h"
 #include "JSONDataCache/StoredObjectRows.h"
 #include "JSONTools.h"
 #include "Logging/LogStream.h"
@@ -35,6 +36,9 @@ constexpr char URI_SEPARATOR = '/';
 // The failure of a resource answer when one of its objects does not render.
 const char* const INVALID_ELEMENTS_DATA = "invalid format of elements-data.";
 
+// Enough for a few sorted lists paged at a time; an order costs a word per object of its element.
+constexpr std::size_t SORTED_ORDERS_KEPT = 4;
+
 Poco::UUID makeSystemUUID()
 {
     DBData::XObjectBase identity;
@@ -49,6 +53,7 @@ JSONDataCache::JSONDataCache(DBData::ServiceMap& serviceCache)
     , m_serviceCache(serviceCache)
     , m_systemUUID(makeSystemUUID())
     , m_pagingBeforeRendering(true)
+    , m_sortedOrders(new SortedOrderCache(SORTED_ORDERS_KEPT))
 {
 }
 
@@ -323,7 +328,8 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Ar
 
     std::vector<DbId> ids;
     std::set<DbId> found;
-    if (findXObjectIds(request, *element, found))
+    const bool searched = findXObjectIds(request, *element, found);
+    if (searched)
     {
         ids.assign(found.begin(), found.end());
     }
@@ -353,6 +359,10 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Ar
                               }
                               return Poco::Dynamic::Var(rendered);
                           });
+    if (!searched)
+    {
+        rows.rememberOrders(*m_sortedOrders, element->getDBID(), element->getVersion());
+    }
     Command::QueryFilterJSON::filterRowsByQuery(rows, request, out_data, out_paging);
     return true;
 }

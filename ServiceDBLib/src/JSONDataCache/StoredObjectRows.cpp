@@ -27,10 +27,38 @@ StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store, std::vecto
     , m_ids(std::move(ids))
     , m_renderer(std::move(renderer))
     , m_row(NO_ROW)
+    , m_orders(nullptr)
+    , m_element(DBData::aDBTableEntry::INVALID_DBID)
+    , m_version(0)
 {
 }
 
 StoredObjectRows::~StoredObjectRows() = default;
+
+void StoredObjectRows::rememberOrders(SortedOrderCache& orders, DBData::DbId element, Poco::UInt64 version)
+{
+    m_orders = &orders;
+    m_element = element;
+    m_version = version;
+}
+
+void StoredObjectRows::sort(std::vector<std::size_t>& selected, const Sortings& sortings)
+{
+    // Only the order of all rows is the same whatever selected them.
+    if (m_orders == nullptr || selected.size() != m_ids.size())
+    {
+        QueryRows::sort(selected, sortings);
+        return;
+    }
+    const std::string criteria = SortedOrderCache::criteriaOf(sortings);
+    if (const SortedOrderCache::Order* order = m_orders->find(m_element, m_version, criteria))
+    {
+        selected = *order;
+        return;
+    }
+    QueryRows::sort(selected, sortings);
+    m_orders->keep(m_element, m_version, criteria, selected);
+}
 
 const DBData::XObject& StoredObjectRows::object(std::size_t row)
 {

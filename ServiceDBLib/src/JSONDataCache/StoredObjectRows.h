@@ -3,6 +3,7 @@
 #include "Command/QueryRows.h"
 #include "JSONDataCache/DBData/XObject.h"
 #include "JSONDataCache/DBData/XObjectCache.h"
+#include "JSONDataCache/SortedOrderCache.h"
 
 #include <functional>
 #include <string>
@@ -29,11 +30,16 @@ public:
 
     ~StoredObjectRows() override;
 
+    void rememberOrders(SortedOrderCache& orders, DBData::DbId element, Poco::UInt64 version);
+    /// Takes the order of all rows from the cache and keeps it there; only for rows that are all objects
+    /// of the element in this version, in ascending order of their ids.
+
     std::size_t size() const override { return m_ids.size(); }
     bool isObject(std::size_t) override { return true; }
     Poco::Dynamic::Var member(std::size_t row, const std::string& key) override;
     bool anyMember(std::size_t row, const MemberTest& test) override;
     Poco::Dynamic::Var render(std::size_t row) override;
+    void sort(std::vector<std::size_t>& selected, const Sortings& sortings) override;
 
 private:
     const DBData::XObject& object(std::size_t row);
@@ -46,6 +52,9 @@ private:
     Renderer m_renderer;
     std::size_t m_row;
     DBData::XObject::Ptr m_object;
+    SortedOrderCache* m_orders;
+    DBData::DbId m_element;
+    Poco::UInt64 m_version;
 };
 
 } // namespace Orvi::JSONDataCache

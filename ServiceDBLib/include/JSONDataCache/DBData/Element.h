@@ -9,6 +9,7 @@
 
 #include <Poco/Dynamic/Var.h>
 #include <Poco/SharedPtr.h>
+#include <Poco/Types.h>
 #include <Poco/UUID.h>
 
 #include <map>
@@ -100,6 +101,11 @@ public:
     /// Takes the cell out of its attribute's index; false when there is no index of that name or the
     /// index refuses the cell.
 
+    Poco::UInt64 getVersion() const { return version; }
+    /// Changes with every registration, unregistration and index change, so that what is derived from
+    /// the element's objects can tell whether it is still current. No two elements of the process ever
+    /// show the same version.
+
 private:
     std::string name;
     Resource& parent;
@@ -109,6 +115,7 @@ private:
     AttributeMap attributes;
     AttributeIndexMap attributeIndexMaps;
     std::vector<Endpoint> endpoints;
+    Poco::UInt64 version;
 };
 
 } // namespace Orvi::DBData

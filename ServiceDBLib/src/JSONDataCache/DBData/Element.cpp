@@ -9,12 +9,26 @@
 #include <Poco/Bugcheck.h>
 
 #include <algorithm>
+#include <atomic>
 
 namespace Orvi::DBData
 {
 
+namespace
+{
+
+// One sequence for all elements, so that a version never names the state of two elements.
+Poco::UInt64 nextVersion()
+{
+    static std::atomic<Poco::UInt64> last{0};
+    return ++last;
+}
+
+} // namespace
+
 Element::Element(Resource& owner)
     : parent(owner)
+    , version(nextVersion())
 {
 }
 
@@ -28,6 +42,7 @@ void Element::setAttributes(const AttributeMap& newAttributes)
 
 void Element::setAttributes(AttributeMap&& newAttributes)
 {
+    version = nextVersion();
     attributes = std::move(newAttributes);
     attributeIndexMaps.clear();
     for (const auto& [attributeName, attribute] : attributes)
@@ -100,6 +115,7 @@ bool Element::addXObject(const XObject& object)
                                          << " is already registered for element " << name);
         return false;
     }
+    version = nextVersion();
     const bool idsInserted = xobjectIds.emplace(uuid, id).second;
     const bool objectsInserted = xobjects.emplace(id, uuid).second;
     // New ids mostly come after all others.
@@ -114,6 +130,7 @@ void Element::removeXObject(const DbId& id)
     {
         return;
     }
+    version = nextVersion();
     xobjectIds.erase(found->second);
     xobjects.erase(found);
     xobjectIdList.erase(std::lower_bound(xobjectIdList.begin(), xobjectIdList.end(), id));
@@ -121,6 +138,8 @@ void Element::removeXObject(const DbId& id)
 
 bool Element::updateIndex(const AttributeValue& value, const Poco::Dynamic::Var& newValue)
 {
+    // Counted also when the index refuses: the store has taken the value already.
+    version = nextVersion();
     const auto found = attributeIndexMaps.find(value.getName());
     if (found == attributeIndexMaps.end())
     {
@@ -132,6 +151,7 @@ bool Element::updateIndex(const AttributeValue& value, const Poco::Dynamic::Var&
 
 bool Element::removeFromIndex(const AttributeValue& value)
 {
+    version = nextVersion();
     const auto found = attributeIndexMaps.find(value.getName());
     if (found == attributeIndexMaps.end())
     {

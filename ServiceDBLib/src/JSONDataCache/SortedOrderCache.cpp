@@ -1,0 +1,72 @@
+#include "JSONDataCache/SortedOrderCache.h"
+
+#include <utility>
+
+namespace Orvi::JSONDataCache
+{
+
+SortedOrderCache::SortedOrderCache(std::size_t capacity)
+    : m_capacity(capacity)
+{
+}
+
+SortedOrderCache::~SortedOrderCache() = default;
+
+const SortedOrderCache::Order* SortedOrderCache::find(DBData::DbId element, Poco::UInt64 version,
+                                                      const std::string& criteria)
+{
+    dropOtherVersions(element, version);
+    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry)
+    {
+        if (entry->element == element && entry->criteria == criteria)
+        {
+            m_entries.splice(m_entries.begin(), m_entries, entry);
+            return &m_entries.front().order;
+        }
+    }
+    return nullptr;
+}
+
+void SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria,
+                            Order order)
+{
+    if (m_capacity == 0)
+    {
+        return;
+    }
+    dropOtherVersions(element, version);
+    m_entries.remove_if([&](const Entry& entry)
+                        { return entry.element == element && entry.criteria == criteria; });
+    m_entries.push_front({element, version, criteria, std::move(order)});
+    while (m_entries.size() > m_capacity)
+    {
+        m_entries.pop_back();
+    }
+}
+
+std::string SortedOrderCache::criteriaOf(const Command::QueryRows::Sortings& sortings)
+{
+    // Names are written with their length, so that no name can pass for two.
+    std::string criteria;
+    for (const auto& sorting : sortings)
+    {
+        criteria += '(';
+        for (const Command::SortingParameter::SortKey& key : sorting->getSortKeys())
+        {
+            criteria += key.descending ? '-' : '+';
+            criteria += std::to_string(key.name.size());
+            criteria += ':';
+            criteria += key.name;
+        }
+        criteria += ')';
+    }
+    return criteria;
+}
+
+void SortedOrderCache::dropOtherVersions(DBData::DbId element, Poco::UInt64 version)
+{
+    m_entries.remove_if([&](const Entry& entry)
+                        { return entry.element == element && entry.version != version; });
+}
+
+} // namespace Orvi::JSONDataCache

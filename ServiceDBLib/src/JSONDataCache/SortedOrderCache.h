@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Command/QueryRows.h"
+#include "JSONDataCache/DBData/aDBTableEntry.h"
+
+#include <Poco/Types.h>
+
+#include <cstddef>
+#include <list>
+#include <string>
+#include <vector>
+
+namespace Orvi::JSONDataCache
+{
+
+/// Orders of all objects of an element by sort criteria, each kept while its element stays unchanged,
+/// so that paging through a sorted resource sorts it once.
+class SortedOrderCache
+{
+public:
+    using Order = std::vector<std::size_t>;
+    /// Positions in the element's ascending id list, in sorted order.
+
+    explicit SortedOrderCache(std::size_t capacity);
+    /// Keeps at most capacity orders.
+
+    ~SortedOrderCache();
+
+    const Order* find(DBData::DbId element, Poco::UInt64 version, const std::string& criteria);
+    /// The order kept for the element in this version under these criteria, or null.
+
+    void keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria, Order order);
+    /// Keeps the order in place of the element's orders of other versions; beyond the capacity the
+    /// order used least recently goes.
+
+    std::size_t size() const { return m_entries.size(); }
+
+    static std::string criteriaOf(const Command::QueryRows::Sortings& sortings);
+    /// A text that is the same for two sortings exactly when they order alike.
+
+private:
+    struct Entry
+    {
+        DBData::DbId element;
+        Poco::UInt64 version;
+        std::string criteria;
+        Order order;
+    };
+
+    void dropOtherVersions(DBData::DbId element, Poco::UInt64 version);
+
+    std::size_t m_capacity;
+    std::list<Entry> m_entries; // the most recently used first
+};
+
+} // namespace Orvi::JSONDataCache

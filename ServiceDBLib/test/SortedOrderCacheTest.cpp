@@ -1,0 +1,113 @@
+#include "JSONDataCache/SortedOrderCache.h"
+
+#include "Command/Query/SortingParameter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using Orvi::Command::QueryRows;
+using Orvi::Command::SortingParameter;
+using Orvi::JSONDataCache::SortedOrderCache;
+using testing::ElementsAre;
+using testing::IsNull;
+using testing::NotNull;
+using testing::Pointee;
+
+QueryRows::Sortings sortingsOf(const std::vector<std::string>& queryValues)
+{
+    QueryRows::Sortings sortings;
+    for (const std::string& queryValue : queryValues)
+    {
+        sortings.emplace_back(new SortingParameter(queryValue));
+    }
+    return sortings;
+}
+
+TEST(SortedOrderCache, GivesTheOrderKeptForTheElementVersionAndCriteria)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+
+    EXPECT_THAT(sut.find(7, 100, "(+4:year)"), Pointee(ElementsAre(2, 0, 1)));
+}
+
+TEST(SortedOrderCache, GivesNothingForOtherCriteriaOrAnotherElement)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+
+    EXPECT_THAT(sut.find(7, 100, "(-4:year)"), IsNull());
+    EXPECT_THAT(sut.find(8, 100, "(+4:year)"), IsNull());
+    EXPECT_EQ(sut.size(), 1U);
+}
+
+TEST(SortedOrderCache, DropsTheOrdersOfAnElementOnceItShowsAnotherVersion)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+    sut.keep(7, 100, "(-4:year)", {1, 0, 2});
+    sut.keep(8, 50, "(+4:year)", {0});
+
+    EXPECT_THAT(sut.find(7, 101, "(+4:year)"), IsNull());
+    EXPECT_THAT(sut.find(7, 100, "(-4:year)"), IsNull());
+    EXPECT_THAT(sut.find(8, 50, "(+4:year)"), NotNull());
+    EXPECT_EQ(sut.size(), 1U);
+}
+
+TEST(SortedOrderCache, ReplacesTheOrderKeptUnderTheSameKey)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+
+    sut.keep(7, 100, "(+4:year)", {0, 1, 2});
+
+    EXPECT_THAT(sut.find(7, 100, "(+4:year)"), Pointee(ElementsAre(0, 1, 2)));
+    EXPECT_EQ(sut.size(), 1U);
+}
+
+TEST(SortedOrderCache, LetsTheOrderUsedLeastRecentlyGoBeyondItsCapacity)
+{
+    SortedOrderCache sut(2);
+    sut.keep(1, 10, "a", {0});
+    sut.keep(2, 20, "b", {0});
+    ASSERT_THAT(sut.find(1, 10, "a"), NotNull());
+
+    sut.keep(3, 30, "c", {0});
+
+    EXPECT_THAT(sut.find(1, 10, "a"), NotNull());
+    EXPECT_THAT(sut.find(2, 20, "b"), IsNull());
+    EXPECT_THAT(sut.find(3, 30, "c"), NotNull());
+}
+
+TEST(SortedOrderCache, KeepsNothingWithoutCapacity)
+{
+    SortedOrderCache sut(0);
+
+    sut.keep(1, 10, "a", {0});
+
+    EXPECT_THAT(sut.find(1, 10, "a"), IsNull());
+}
+
+TEST(SortedOrderCache, WritesEachKeyWithItsDirectionAndLength)
+{
+    EXPECT_EQ(SortedOrderCache::criteriaOf(sortingsOf({"year,-title", "name"})),
+              "(+4:year-5:title)(+4:name)");
+}
+
+TEST(SortedOrderCache, TellsApartSortingsThatWouldReadAlikeWithoutLengths)
+{
+    EXPECT_NE(SortedOrderCache::criteriaOf(sortingsOf({"a+1:b"})),
+              SortedOrderCache::criteriaOf(sortingsOf({"a,b"})));
+    EXPECT_NE(SortedOrderCache::criteriaOf(sortingsOf({"a", "b"})),
+              SortedOrderCache::criteriaOf(sortingsOf({"a,b"})));
+    EXPECT_NE(SortedOrderCache::criteriaOf(sortingsOf({"--a"})),
+              SortedOrderCache::criteriaOf(sortingsOf({"-a"})));
+}
+
+} // namespace
