@@ -162,6 +162,19 @@ public:
         return true;
     }
 
+    // Writes one value of a stored object, as a POST of that member does.
+    bool write(std::int64_t i, const std::string& attribute, const Var& value)
+    {
+        const XObject::Ptr object = m_cache->selectXObject(uuidOf(i), -1);
+        if (object.isNull())
+        {
+            return false;
+        }
+        AttributeValuePtr cell = object->getValue(attribute);
+        return !cell.isNull() && cell->setValue(value) &&
+               m_cache->updateCacheAttributeValueById(*cell, false);
+    }
+
     bool fill(std::int64_t count)
     {
         for (std::int64_t i = 0; i < count; ++i)
@@ -281,12 +294,50 @@ void BM_ObjectStoreGetSortedPageOf20(benchmark::State& state)
                       });
 }
 
+// The same page, with one object's mileage changed before each request: the order cannot be kept.
+void BM_ObjectStoreGetSortedPageOf20AfterAChange(benchmark::State& state)
+{
+    const std::int64_t count = state.range(0);
+    Fleet fleet;
+    if (!fleet.fill(count))
+    {
+        state.SkipWithError("an insertion was refused");
+        return;
+    }
+    const Orvi::Command::RequestBase request =
+        requestFor("/" + SERVICE + "/" + RESOURCE + "?$sortby=-mileage&$offset=" + std::to_string(count / 2) +
+                   "&$limit=20");
+    double mileage = 0;
+    for (auto _ : state)
+    {
+        mileage += 1;
+        if (!fleet.write(count / 3, "mileage", mileage))
+        {
+            state.SkipWithError("the change was refused");
+            return;
+        }
+        Orvi::Command::HttpResponse response;
+        if (fleet.cache().queryCache(request, response, PORT) != Poco::Net::HTTPResponse::HTTP_OK)
+        {
+            state.SkipWithError("no answer");
+            return;
+        }
+        benchmark::DoNotOptimize(response);
+    }
+}
+
 // A serial number is unique: the search finds one object, so the cost is that of the search.
 void BM_ObjectStoreSearchByAttribute(benchmark::State& state)
 {
     answerEachInFleet(state, [](std::int64_t count)
                       { return "/" + SERVICE + "/" + RESOURCE + "?serial=" + serialOf(count / 2); });
     state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+// One brand in eight: a search whose answer is large, so that its cost is that of rendering.
+void BM_ObjectStoreSearchWithAnEighthOfAllHits(benchmark::State& state)
+{
+    answerEachInFleet(state, [](std::int64_t) { return "/" + SERVICE + "/" + RESOURCE + "?brand=Volvo"; });
 }
 
 void BM_ObjectStoreSearchByFreeText(benchmark::State& state)
@@ -387,5 +438,7 @@ BENCHMARK(BM_ObjectStoreGetResourcePageOf20)
     ->Arg(100000)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ObjectStoreGetSortedPageOf20)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ObjectStoreGetSortedPageOf20AfterAChange)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ObjectStoreSearchByAttribute)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ObjectStoreSearchWithAnEighthOfAllHits)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ObjectStoreSearchByFreeText)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
