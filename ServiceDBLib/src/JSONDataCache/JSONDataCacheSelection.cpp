@@ -13,6 +13,9 @@
 #include <Poco/RegularExpression.h>
 #include <Poco/SharedPtr.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <map>
 #include <set>
 #include <unordered_set>
@@ -33,12 +36,50 @@ namespace
 
 const std::string REGEX_ANY_TEXT = ".*";
 const std::string REGEX_ALTERNATIVE = "|";
+const std::string REGEX_SYNTAX = "\\^$.|?*+()[]{}";
+// A larger pattern is compiled even when its values are literal: the engine refuses patterns from about
+// 32 KiB on, and such a search has to raise as it did.
+const std::size_t MAX_LOOKUP_PATTERN_SIZE = 4096;
 
-// The UUIDs of a stored array of references; false when the value is no such array.
-// Compiled once per search, studied, since every key of every index is matched against it.
-Poco::SharedPtr<Poco::RegularExpression> compileSearch(const std::string& pattern)
+// The cells of one index that a search finds.
+using IndexSearch = std::function<DBData::Index::IndexGroup(const DBData::IAttributeIndex&)>;
+
+// Whether the anchored pattern of the value finds exactly the texts equal to the value. Not so with a
+// wildcard or pattern syntax, nor with a control character: a NUL ends the pattern early, and "$" also
+// matches before a final line end, so that the alternatives v and v<LF> do not find v<LF>. The empty
+// value finds nothing.
+bool isLiteral(const std::string& value)
 {
-    return new Poco::RegularExpression(pattern, 0, true);
+    return !value.empty() && value.find(UrlPath::QUERY_WILDCARD) == std::string::npos &&
+           value.find(UrlPath::QUERY_WILDCARD_HTML) == std::string::npos &&
+           std::none_of(value.begin(), value.end(),
+                        [](char c) {
+                            return static_cast<unsigned char>(c) < 0x20 ||
+                                   REGEX_SYNTAX.find(c) != std::string::npos;
+                        });
+}
+
+// A search for any of the values: literal values are looked up by their text; otherwise they are
+// alternatives of one pattern, compiled once and studied, since every key of an index is matched
+// against it.
+IndexSearch makeSearch(const std::vector<std::string>& values)
+{
+    std::string pattern;
+    for (const std::string& value : values)
+    {
+        if (!pattern.empty())
+        {
+            pattern += REGEX_ALTERNATIVE;
+        }
+        pattern += prepareRegEx(value);
+    }
+    if (pattern.size() <= MAX_LOOKUP_PATTERN_SIZE && std::all_of(values.begin(), values.end(), isLiteral))
+    {
+        return [texts = std::set<std::string>(values.begin(), values.end())](
+                   const DBData::IAttributeIndex& index) { return index.findWritten(texts); };
+    }
+    const Poco::SharedPtr<Poco::RegularExpression> regex(new Poco::RegularExpression(pattern, 0, true));
+    return [regex](const DBData::IAttributeIndex& index) { return index.find(*regex); };
 }
 
 } // namespace
@@ -278,8 +319,8 @@ bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& el
         }
     }
 
-    // The values of one attribute are alternatives of one expression; the first search of a name wins.
-    std::map<std::string, Poco::SharedPtr<Poco::RegularExpression>> attrValueSearchParam;
+    // The values of one attribute are alternatives of one search; the first search of a name wins.
+    std::map<std::string, IndexSearch> attrValueSearchParam;
     if (request.hasAttributeCriteria())
     {
         std::vector<Poco::SharedPtr<Command::AttributeValueSearch>> attributeSearches;
@@ -290,16 +331,7 @@ bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& el
             {
                 continue;
             }
-            std::string pattern;
-            for (const std::string& searchValue : search->getSearchValues())
-            {
-                if (!pattern.empty())
-                {
-                    pattern += REGEX_ALTERNATIVE;
-                }
-                pattern += prepareRegEx(searchValue);
-            }
-            attrValueSearchParam.emplace(search->getAttributeName(), compileSearch(pattern));
+            attrValueSearchParam.emplace(search->getAttributeName(), makeSearch(search->getSearchValues()));
         }
     }
 
@@ -308,7 +340,7 @@ bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& el
         return false;
     }
 
-    const Poco::RegularExpression anySearchRegEx(prepareRegEx(anySearchParam), 0, true);
+    const IndexSearch anySearch = anySearchParam.empty() ? IndexSearch() : makeSearch({anySearchParam});
     std::set<DbId> xobjIdsAnySearch;
     std::map<DbId, Poco::UInt32> xobjIdsAttrSearch;
 
@@ -319,9 +351,9 @@ bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& el
         {
             poco_bugcheck();
         }
-        if (!anySearchParam.empty())
+        if (anySearch)
         {
-            for (const DBData::Index::IndexEntry& found : index->find(anySearchRegEx))
+            for (const DBData::Index::IndexEntry& found : anySearch(*index))
             {
                 xobjIdsAnySearch.insert(found.getXObjId());
             }
@@ -330,7 +362,7 @@ bool JSONDataCache::findXObjectIds(const RequestBase& request, const Element& el
         if (attributeSearch != attrValueSearchParam.end())
         {
             // An index holds one entry per object, so the count is the number of matching attributes.
-            for (const DBData::Index::IndexEntry& found : index->find(*attributeSearch->second))
+            for (const DBData::Index::IndexEntry& found : attributeSearch->second(*index))
             {
                 ++xobjIdsAttrSearch[found.getXObjId()];
             }

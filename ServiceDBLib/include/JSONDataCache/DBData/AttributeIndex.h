@@ -8,15 +8,19 @@
 #include <Poco/Bugcheck.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <map>
+#include <set>
+#include <string>
 #include <type_traits>
 
 namespace Orvi::DBData
 {
 
 /// The index of one attribute, keyed by Index::SimpleValue for single values and by Index::ArrayValue
-/// for arrays. Searches scan the keys in their text order.
+/// for arrays. Searches scan the keys in their text order, except a search for written texts in an
+/// index of single values, which looks them up.
 template <typename V>
 class AttributeIndex : public IAttributeIndex
 {
@@ -34,18 +38,25 @@ public:
     bool remove(const AttributeValue& attrValue) override;
     Index::IndexGroup find(const Poco::RegularExpression& regex) const override;
     Index::IndexGroup find(const Poco::Dynamic::Var& value) const override;
+    Index::IndexGroup findWritten(const std::set<std::string>& texts) const override;
 
 protected:
     IndexMap m_index;
     EntryMap m_entries;
 
+    std::size_t m_keysWrittenOtherwise = 0;
+    /// Keys of m_index not written as they sort; while there is one, a search for written texts scans.
+
 private:
     void insertIndexEntry(const Index::IndexEntry& entry, const V& key);
     void removeIndexEntry(const typename EntryMap::iterator& it);
 
-    template <typename T>
-    Index::IndexGroup findImpl(const T& argument) const;
-    /// Scans every key, for a regular expression or for a value taken as a SimpleValue probe.
+    template <typename Matches>
+    Index::IndexGroup findImpl(const Matches& matches) const;
+    /// Scans every key; the key of an array matches when one of its elements does.
+
+    static bool isWrittenOtherwise(const V& key);
+    /// Whether the key is a single value not written as it sorts; arrays are scanned anyway.
 
     bool isForeign(const AttributeValue& attrValue) const;
 };
@@ -135,14 +146,54 @@ bool AttributeIndex<V>::remove(const AttributeValue& attrValue)
 template <typename V>
 Index::IndexGroup AttributeIndex<V>::find(const Poco::RegularExpression& regex) const
 {
-    return findImpl(regex);
+    return findImpl([&regex](const Index::SimpleValue& key) { return key.match(regex); });
 }
 
 template <typename V>
 Index::IndexGroup AttributeIndex<V>::find(const Poco::Dynamic::Var& value) const
 {
     // The text of the value is computed once for the whole scan.
-    return findImpl(Index::SimpleValue(value));
+    const Index::SimpleValue probe(value);
+    return findImpl([&probe](const Index::SimpleValue& key) { return key.match(probe); });
+}
+
+template <typename V>
+Index::IndexGroup AttributeIndex<V>::findWritten(const std::set<std::string>& texts) const
+{
+    if constexpr (std::is_same_v<V, Index::SimpleValue>)
+    {
+        // Then a key is written as one of the texts only if it sorts as that text; the texts come in
+        // key order, and each cell is in one group only.
+        if (m_keysWrittenOtherwise == 0)
+        {
+            Index::IndexGroup result;
+            for (const std::string& text : texts)
+            {
+                const auto found = m_index.find(Index::SimpleValue(Poco::Dynamic::Var(text)));
+                if (found != m_index.end())
+                {
+                    result.insert(result.end(), found->second.begin(), found->second.end());
+                }
+            }
+            return result;
+        }
+    }
+    return findImpl(
+        [&texts](const Index::SimpleValue& key)
+        {
+            return std::any_of(texts.begin(), texts.end(),
+                               [&key](const std::string& text) { return key.isWrittenAs(text); });
+        });
+}
+
+template <typename V>
+bool AttributeIndex<V>::isWrittenOtherwise(const V& key)
+{
+    if constexpr (std::is_same_v<V, Index::SimpleValue>)
+    {
+        return !key.isWrittenAsSorted();
+    }
+    return false;
 }
 
 template <typename V>
@@ -155,6 +206,10 @@ void AttributeIndex<V>::insertIndexEntry(const Index::IndexEntry& entry, const V
         return;
     }
     m_index.emplace_hint(position, key, Index::IndexGroup(1, entry));
+    if (isWrittenOtherwise(key))
+    {
+        ++m_keysWrittenOtherwise;
+    }
 }
 
 template <typename V>
@@ -175,29 +230,31 @@ void AttributeIndex<V>::removeIndexEntry(const typename EntryMap::iterator& it)
     entries.erase(std::next(position).base());
     if (entries.empty())
     {
+        if (isWrittenOtherwise(group->first))
+        {
+            --m_keysWrittenOtherwise;
+        }
         m_index.erase(group);
     }
 }
 
 template <typename V>
-template <typename T>
-Index::IndexGroup AttributeIndex<V>::findImpl(const T& argument) const
+template <typename Matches>
+Index::IndexGroup AttributeIndex<V>::findImpl(const Matches& matches) const
 {
     Index::IndexGroup result;
     for (const auto& [key, group] : m_index)
     {
-        bool matches = false;
+        bool found = false;
         if constexpr (std::is_same_v<V, Index::SimpleValue>)
         {
-            matches = key.match(argument);
+            found = matches(key);
         }
         else
         {
-            matches = std::any_of(key.values.begin(), key.values.end(),
-                                  [&argument](const Index::SimpleValue& element)
-                                  { return element.match(argument); });
+            found = std::any_of(key.values.begin(), key.values.end(), matches);
         }
-        if (matches)
+        if (found)
         {
             result.insert(result.end(), group.begin(), group.end());
         }

@@ -8,6 +8,7 @@
 #include <Poco/RegularExpression.h>
 #include <Poco/SharedPtr.h>
 
+#include <set>
 #include <string>
 
 namespace Orvi::DBData
@@ -41,6 +42,10 @@ public:
 
     virtual Index::IndexGroup find(const Poco::Dynamic::Var& value) const = 0;
     /// The cells whose value, or one of whose array elements, equals the value; ordered as above.
+
+    virtual Index::IndexGroup findWritten(const std::set<std::string>& texts) const = 0;
+    /// The cells whose value, or one of whose array elements, is written exactly as one of the texts;
+    /// ordered as above. Looks the texts up where every key is written as it sorts, else scans.
 
     static void printLogError(const std::string& msg);
     /// Logs the text at error level.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Poco/Dynamic/Var.h>
-#include <Poco/Nullable.h>
 #include <Poco/RegularExpression.h>
 
 #include <memory>
@@ -19,7 +18,7 @@ public:
 
     bool match(const Poco::RegularExpression& regex) const;
     /// Whether the whole text of the value, as an attribute value is written, matches; a null value
-    /// never does. The text is computed at the first call and kept.
+    /// never does.
 
     bool match(const Poco::Dynamic::Var& other) const;
     /// Whether the value equals the other by the text of both.
@@ -27,20 +26,28 @@ public:
     bool match(const SimpleValue& probe) const;
     /// The same as match(probe.value), with the text of each side computed only once.
 
+    bool isWrittenAs(const std::string& written) const;
+    /// Whether the value, as an attribute value is written, is exactly the text; a null value never is.
+
+    bool isWrittenAsSorted() const;
+    /// Whether the value is null or written as the text it sorts by, as the held types of the attribute
+    /// types are; such a key can be looked up by its written text.
+
     bool operator<(const SimpleValue& other) const;
     /// Text order of the values, null last: 10 sorts before 9.
 
     bool operator==(const SimpleValue& other) const;
     /// Equality of the values by their text.
 
-    mutable Poco::Nullable<std::string> svalue;
-    /// The value as an attribute value is written; null until the first regular expression search.
-
     Poco::Dynamic::Var value;
 
 private:
     const std::string& text() const;
     /// The text by which values sort and compare, computed once.
+
+    const std::string& writtenText(std::string& buffer) const;
+    /// The text of a value that is not null as an attribute value is written; the buffer holds it when
+    /// it is not the sort text.
 
     // Shared by the copies of a key, so that the two copies an index keeps cost one text; empty until
     // first needed, and never needed for a value that is text itself.

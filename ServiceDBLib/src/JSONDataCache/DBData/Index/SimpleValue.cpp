@@ -27,15 +27,51 @@ const std::string& SimpleValue::text() const
     return *sortText;
 }
 
+const std::string& SimpleValue::writtenText(std::string& buffer) const
+{
+    if (isWrittenAsSorted())
+    {
+        return text();
+    }
+    Poco::Dynamic::Var copy(value);
+    Attribute::convertToString(copy);
+    buffer = copy.convert<std::string>();
+    return buffer;
+}
+
+bool SimpleValue::isWrittenAsSorted() const
+{
+    if (value.isEmpty())
+    {
+        return true;
+    }
+    // Var writes these as an attribute value is written: integers in decimal, numbers in the same
+    // shortest form, booleans as true and false.
+    const std::type_info& type = value.type();
+    return type == typeid(std::string) || type == typeid(Attribute::Integer) ||
+           type == typeid(Attribute::IntegerUnsigned) || type == typeid(Attribute::Number) ||
+           type == typeid(bool);
+}
+
 bool SimpleValue::match(const Poco::RegularExpression& regex) const
 {
-    if (svalue.isNull())
+    // Null is written as the empty text, and a match is never empty.
+    if (value.isEmpty())
     {
-        Poco::Dynamic::Var copy(value);
-        Attribute::convertToString(copy);
-        svalue = copy.isEmpty() ? std::string() : copy.convert<std::string>();
+        return false;
     }
-    return regex.match(svalue.value(), 0);
+    std::string buffer;
+    return regex.match(writtenText(buffer), 0);
+}
+
+bool SimpleValue::isWrittenAs(const std::string& written) const
+{
+    if (value.isEmpty())
+    {
+        return false;
+    }
+    std::string buffer;
+    return writtenText(buffer) == written;
 }
 
 bool SimpleValue::match(const Poco::Dynamic::Var& other) const
