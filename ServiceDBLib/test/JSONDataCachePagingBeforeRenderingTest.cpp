@@ -2,6 +2,7 @@
 
 #include "Command/HttpResponse.h"
 #include "Command/RequestBase.h"
+#include "Command/WebSocketResponseObject.h"
 #include "FleetServiceMap.h"
 #include "JSONDataCache/DBData/Attribute.h"
 #include "JSONDataCache/DBData/AttributeType.h"
@@ -10,6 +11,7 @@
 #include "JSONDataCache/DBData/Service.h"
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/DBData/XObject.h"
+#include "JSONDataCache/JsonText.h"
 #include "TestSupport/LogCapture.h"
 
 #include <Poco/Dynamic/Var.h>
@@ -893,6 +895,79 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, KeepsTheOrdersOfDifferentSortsApa
 
     EXPECT_EQ(idsOf(answer(sut, ascending).body), Strings({thingUuid(3), thingUuid(1), thingUuid(2)}));
     EXPECT_EQ(idsOf(answer(sut, descending).body), Strings({thingUuid(2), thingUuid(1), thingUuid(3)}));
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest,
+       WritesObjectsWithoutReferencesAsTextOfTheBytesTheirRenderingGives)
+{
+    insertThings(3);
+    stores.write(thingUuid(1), "label", "quote \" backslash \\ slash / line\nend \xC3\xA9 \x01");
+    stores.write(thingUuid(1), "count", -40);
+    stores.write(thingUuid(1), "size", 42);
+    stores.write(thingUuid(1), "weight", 0.1);
+    stores.write(thingUuid(1), "active", false);
+    stores.write(thingUuid(1), "tags", arrayOf({Var("a\"b"), Var(""), Var("c")}));
+    stores.write(thingUuid(2), "scores", arrayOf({Var(3), Var(-1)}));
+    stores.write(thingUuid(2), "weight", 1e300);
+    const std::string address = "/yard/things";
+    HttpResponse response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
+
+    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
+    ASSERT_EQ(data->size(), 3U);
+    for (std::size_t row = 0; row < data->size(); ++row)
+    {
+        EXPECT_EQ(data->get(static_cast<unsigned int>(row)).type(), typeid(Orvi::JSONDataCache::JsonText))
+            << row;
+    }
+    EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceAmongTextRowsAsItsRenderingDoes)
+{
+    insertThings(2);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(thingUuid(2), "owner", uriOf(TARGETS, targetUuid(1)));
+    const std::string address = "/yard/things";
+    HttpResponse response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
+
+    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
+    ASSERT_EQ(data->size(), 2U);
+    EXPECT_EQ(data->get(0).type(), typeid(Orvi::JSONDataCache::JsonText));
+    EXPECT_EQ(data->get(1).type(), typeid(Poco::JSON::Object::Ptr));
+    EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, GivesJsonObjectsToAWebSocketAnswer)
+{
+    insertThings(1);
+    Orvi::Command::WebSocketResponseObject response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest("/yard/things"), response, PORT), Status::HTTP_OK);
+
+    const Poco::JSON::Array::Ptr data = response.JSONObject->getArray("data");
+    ASSERT_FALSE(data.isNull());
+    ASSERT_EQ(data->size(), 1U);
+    EXPECT_EQ(data->get(0).type(), typeid(Poco::JSON::Object::Ptr));
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersObjectsForFieldsOrExpansionInsteadOfWritingText)
+{
+    insertThings(1);
+    stores.write(thingUuid(1), "label", "Green");
+    for (const std::string address : {"/yard/things?$fields=label", "/yard/things?$expand=owner"})
+    {
+        HttpResponse response;
+
+        ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK) << address;
+
+        EXPECT_EQ(response.getJsonMsg()->getArray("data")->get(0).type(), typeid(Poco::JSON::Object::Ptr))
+            << address;
+        EXPECT_EQ(response.getBody(), answer(stores.reference, address).body) << address;
+    }
 }
 
 } // namespace

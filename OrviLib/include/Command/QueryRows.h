@@ -45,6 +45,10 @@ public:
     virtual Poco::Dynamic::Var render(std::size_t row) = 0;
     /// The rendered element.
 
+    virtual Poco::Dynamic::Var renderWhole(std::size_t row);
+    /// The rendered element for an answer that neither leaves members out nor expands them; it may be a
+    /// value that stringifies as the element does without being JSON. By default render().
+
     virtual void sort(std::vector<std::size_t>& selected, const Sortings& sortings);
     /// Orders the selected rows (ascending) by the sortings, rows that compare equal keeping their
     /// order. An implementation may give an order it remembers, when it is the order this would give.

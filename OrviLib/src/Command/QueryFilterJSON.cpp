@@ -308,7 +308,9 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
     Poco::JSON::Array result;
     for (std::size_t index = first; index < last; ++index)
     {
-        result.add(renderElement(rows.render(selected[index]), criteria));
+        const std::size_t row = selected[index];
+        result.add(criteria.rendersObjects() ? renderElement(rows.render(row), criteria)
+                                             : rows.renderWhole(row));
     }
     out = std::move(result);
 }

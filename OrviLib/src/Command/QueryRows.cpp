@@ -5,6 +5,11 @@ namespace Orvi::Command
 
 QueryRows::~QueryRows() = default;
 
+Poco::Dynamic::Var QueryRows::renderWhole(std::size_t row)
+{
+    return render(row);
+}
+
 void QueryRows::sort(std::vector<std::size_t>& selected, const Sortings& sortings)
 {
     const SortingParameter::KeyReader valueOf = [this](std::size_t row, const std::string& key)

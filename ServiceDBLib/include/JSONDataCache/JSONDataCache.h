@@ -237,10 +237,11 @@ private:
     /// The objects that the request's search criteria find in the element's indexes; false, leaving
     /// out_ids alone, when the request has none.
 
-    bool queryResourceRows(const Command::RequestBase& request, Poco::JSON::Array& out_data,
+    bool queryResourceRows(const Command::RequestBase& request, bool asText, Poco::JSON::Array& out_data,
                            Poco::JSON::Object::Ptr& out_paging);
     /// Answers a resource query from the stored values, rendering only the objects of the answer; false
-    /// when the query needs every object rendered first.
+    /// when the query needs every object rendered first. With asText, rows may be JSON text (JsonText)
+    /// for an answer that is only stringified.
 
     void suspectDanglingReferences();
     /// Marks every element with a reference attribute: an object they may name is gone.

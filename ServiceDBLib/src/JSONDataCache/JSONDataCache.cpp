@@ -13,6 +13,8 @@
 #include <Poco/Exception.h>
 #include <Poco/URI.h>
 
+#include <type_traits>
+
 namespace Orvi::JSONDataCache
 {
 
@@ -269,7 +271,7 @@ HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, Respons
     {
         Poco::JSON::Array::Ptr rows(new Poco::JSON::Array);
         Poco::JSON::Object::Ptr rowsPaging;
-        if (queryResourceRows(request, *rows, rowsPaging))
+        if (queryResourceRows(request, std::is_same_v<ResponseT, HttpResponse>, *rows, rowsPaging))
         {
             constructArrayResponse(Poco::JSON::Object::Ptr(), rows, rowsPaging, out_response);
             return HTTPStatus::HTTP_OK;
@@ -307,7 +309,7 @@ HTTPStatus JSONDataCache::queryCacheResource(const RequestBase& request, Respons
     }
 }
 
-bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Array& out_data,
+bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, Poco::JSON::Array& out_data,
                                       Poco::JSON::Object::Ptr& out_paging)
 {
     const UrlPath& urlPath = request.getUrlPath();
@@ -359,6 +361,7 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, Poco::JSON::Ar
                               }
                               return Poco::Dynamic::Var(rendered);
                           });
+    rows.writeAsText(asText);
     if (!searched)
     {
         rows.rememberOrders(*m_sortedOrders, element->getDBID(), element->getVersion());

@@ -3,12 +3,18 @@
 #include "Command/Query/QueryParameter.h"
 #include "JSONDataCache/DBData/AttributeType.h"
 #include "JSONDataCache/DBDataToJSONTransformator.h"
+#include "JSONDataCache/JsonText.h"
 #include "JSONDataCache/UuidList.h"
 
 #include <Poco/Bugcheck.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
+#include <Poco/JSON/Stringifier.h>
 
+#include <algorithm>
+#include <deque>
+#include <iterator>
+#include <sstream>
 #include <utility>
 
 namespace Orvi::JSONDataCache
@@ -27,6 +33,7 @@ StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store, std::vecto
     , m_ids(std::move(ids))
     , m_renderer(std::move(renderer))
     , m_row(NO_ROW)
+    , m_asText(false)
     , m_orders(nullptr)
     , m_element(DBData::aDBTableEntry::INVALID_DBID)
     , m_version(0)
@@ -126,6 +133,104 @@ bool StoredObjectRows::anyMember(std::size_t row, const MemberTest& test)
 Poco::Dynamic::Var StoredObjectRows::render(std::size_t row)
 {
     return m_renderer(m_ids[row]);
+}
+
+Poco::Dynamic::Var StoredObjectRows::renderWhole(std::size_t row)
+{
+    if (m_asText)
+    {
+        const DBData::XObject::Ptr stored = m_store.get(m_ids[row]);
+        std::string text;
+        if (!stored.isNull() && writeText(*stored, text))
+        {
+            return JsonText(std::move(text));
+        }
+    }
+    return render(row);
+}
+
+bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out)
+{
+    // The members as the rendered object holds them: sorted by name, a later cell of a name replacing an
+    // earlier one, "id" from the UUID when no cell gives it. References, and whatever the rendering would
+    // refuse, are left to it.
+    struct Member
+    {
+        const std::string* name;
+        const Poco::Dynamic::Var* value;
+    };
+    const DBData::AttributeValueList& cells = stored.getAttributeValues();
+    if (cells.empty())
+    {
+        return false;
+    }
+    std::vector<Member> members;
+    members.reserve(cells.size() + 1);
+    std::deque<Poco::Dynamic::Var> arrays;
+    for (const DBData::AttributeValuePtr& cell : cells)
+    {
+        if (cell.isNull() || cell->getAttribute().isNull() || !cell->hasValue())
+        {
+            continue;
+        }
+        if (cell->getType() == DBData::AttrType_Object)
+        {
+            return false;
+        }
+        if (!cell->isArray())
+        {
+            members.push_back({&cell->getName(), &cell->getValue()});
+            continue;
+        }
+        Poco::Dynamic::Var rendered;
+        if (DBDataToJSONTransformator::handleAttributeValue(cell->getType(), cell->getName(), true,
+                                                            cell->getValue(), 0, rendered))
+        {
+            arrays.push_back(std::move(rendered));
+            members.push_back({&cell->getName(), &arrays.back()});
+        }
+    }
+    std::stable_sort(members.begin(), members.end(),
+                     [](const Member& a, const Member& b) { return *a.name < *b.name; });
+    auto kept = members.begin();
+    for (auto member = members.begin(); member != members.end(); ++member)
+    {
+        const auto next = std::next(member);
+        if (next == members.end() || *next->name != *member->name)
+        {
+            *kept++ = *member;
+        }
+    }
+    members.erase(kept, members.end());
+    const std::string& uuid = stored.getId().toString();
+    const Poco::Dynamic::Var uuidValue(uuid);
+    const auto id =
+        std::lower_bound(members.begin(), members.end(), Command::QueryParameter::KEY_ID,
+                         [](const Member& member, const std::string& key) { return *member.name < key; });
+    if (id == members.end() || *id->name != Command::QueryParameter::KEY_ID)
+    {
+        members.insert(id, {&Command::QueryParameter::KEY_ID, &uuidValue});
+    }
+    else if (!id->value->isString() || id->value->extract<std::string>() != uuid)
+    {
+        return false;
+    }
+
+    std::ostringstream text;
+    text << '{';
+    for (auto member = members.begin(); member != members.end(); ++member)
+    {
+        if (member != members.begin())
+        {
+            text << ',';
+        }
+        Poco::JSON::Stringifier::formatString(*member->name, text, Poco::JSON_WRAP_STRINGS);
+        text << ':';
+        Poco::JSON::Stringifier::stringify(*member->value, text, 0, 0, Poco::JSON_WRAP_STRINGS);
+    }
+    text << '}';
+    out = text.str();
+    return true;
 }
 
 Poco::Dynamic::Var StoredObjectRows::renderedValue(const DBData::AttributeValue& cell) const

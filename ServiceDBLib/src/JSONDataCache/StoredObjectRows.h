@@ -39,6 +39,11 @@ public:
     Poco::Dynamic::Var member(std::size_t row, const std::string& key) override;
     bool anyMember(std::size_t row, const MemberTest& test) override;
     Poco::Dynamic::Var render(std::size_t row) override;
+    Poco::Dynamic::Var renderWhole(std::size_t row) override;
+
+    void writeAsText(bool enabled) { m_asText = enabled; }
+    /// Gives whole rows as JSON text (JsonText) written from the stored values, for answers that are
+    /// sent as text: an object without references renders as its values, which need no selection.
     void sort(std::vector<std::size_t>& selected, const Sortings& sortings) override;
 
 private:
@@ -46,12 +51,14 @@ private:
     Poco::Dynamic::Var renderedValue(const DBData::AttributeValue& cell) const;
     Poco::Dynamic::Var renderedReference(const std::string& uuid) const;
     static Poco::Dynamic::Var renderedId(const DBData::XObject& object);
+    static bool writeText(const DBData::XObject& stored, std::string& out);
 
     const DBData::XObjectCache& m_store;
     std::vector<DBData::XObjectId> m_ids;
     Renderer m_renderer;
     std::size_t m_row;
     DBData::XObject::Ptr m_object;
+    bool m_asText;
     SortedOrderCache* m_orders;
     DBData::DbId m_element;
     Poco::UInt64 m_version;
