@@ -924,12 +924,41 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest,
     EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
 }
 
-TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceAmongTextRowsAsItsRenderingDoes)
+TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesReferencesAsTheIdentitiesOfTheirObjectsAtLevelZero)
+{
+    insertThings(3);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.insert(TARGETS, targetUuid(2));
+    stores.write(targetUuid(1), "name", "first \"one\"");
+    stores.write(targetUuid(1), "level", 3);
+    stores.write(thingUuid(2), "owner", uriOf(TARGETS, targetUuid(1)));
+    stores.write(thingUuid(3), "links",
+                 arrayOf({Var(uriOf(TARGETS, targetUuid(2))), Var(uriOf(TARGETS, targetUuid(1)))}));
+    const std::string address = "/yard/things";
+    HttpResponse response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
+
+    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
+    ASSERT_EQ(data->size(), 3U);
+    for (std::size_t row = 0; row < data->size(); ++row)
+    {
+        EXPECT_EQ(data->get(static_cast<unsigned int>(row)).type(), typeid(Orvi::JSONDataCache::JsonText))
+            << row;
+    }
+    EXPECT_NE(response.getBody().find("\"owner\":{\"id\":\"" + targetUuid(1) +
+                                      "\",\"name\":\"first \\\"one\\\"\",\"uri\""),
+              std::string::npos)
+        << response.getBody();
+    EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceFromItsSelectionBeyondLevelZero)
 {
     insertThings(2);
     stores.insert(TARGETS, targetUuid(1));
     stores.write(thingUuid(2), "owner", uriOf(TARGETS, targetUuid(1)));
-    const std::string address = "/yard/things";
+    const std::string address = "/yard/things?$expand=1";
     HttpResponse response;
 
     ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);

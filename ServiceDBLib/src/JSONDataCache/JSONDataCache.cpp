@@ -361,7 +361,7 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, P
                               }
                               return Poco::Dynamic::Var(rendered);
                           });
-    rows.writeAsText(asText);
+    rows.writeAsText(asText, expansionLevel);
     if (!searched)
     {
         rows.rememberOrders(*m_sortedOrders, element->getDBID(), element->getVersion());

@@ -34,6 +34,7 @@ StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store, std::vecto
     , m_renderer(std::move(renderer))
     , m_row(NO_ROW)
     , m_asText(false)
+    , m_expansion(0)
     , m_orders(nullptr)
     , m_element(DBData::aDBTableEntry::INVALID_DBID)
     , m_version(0)
@@ -47,6 +48,12 @@ void StoredObjectRows::rememberOrders(SortedOrderCache& orders, DBData::DbId ele
     m_orders = &orders;
     m_element = element;
     m_version = version;
+}
+
+void StoredObjectRows::writeAsText(bool enabled, int expansion)
+{
+    m_asText = enabled;
+    m_expansion = expansion;
 }
 
 void StoredObjectRows::sort(std::vector<std::size_t>& selected, const Sortings& sortings)
@@ -149,16 +156,8 @@ Poco::Dynamic::Var StoredObjectRows::renderWhole(std::size_t row)
     return render(row);
 }
 
-bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out)
+bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out) const
 {
-    // The members as the rendered object holds them: sorted by name, a later cell of a name replacing an
-    // earlier one, "id" from the UUID when no cell gives it. References, and whatever the rendering would
-    // refuse, are left to it.
-    struct Member
-    {
-        const std::string* name;
-        const Poco::Dynamic::Var* value;
-    };
     const DBData::AttributeValueList& cells = stored.getAttributeValues();
     if (cells.empty())
     {
@@ -166,30 +165,122 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
     }
     std::vector<Member> members;
     members.reserve(cells.size() + 1);
-    std::deque<Poco::Dynamic::Var> arrays;
+    // Rendered values live here while their members point at them.
+    std::deque<Poco::Dynamic::Var> rendered;
     for (const DBData::AttributeValuePtr& cell : cells)
     {
         if (cell.isNull() || cell->getAttribute().isNull() || !cell->hasValue())
         {
             continue;
         }
-        if (cell->getType() == DBData::AttrType_Object)
+        const Poco::Dynamic::Var& value = cell->getValue();
+        if (cell->getType() != DBData::AttrType_Object && !cell->isArray())
+        {
+            members.push_back({&cell->getName(), &value});
+            continue;
+        }
+        Poco::Dynamic::Var& member = rendered.emplace_back();
+        bool present = true;
+        if (cell->getType() != DBData::AttrType_Object)
+        {
+            present = DBDataToJSONTransformator::handleAttributeValue(cell->getType(), cell->getName(), true,
+                                                                      value, 0, member);
+        }
+        else if (!writeReferences(*cell, member, present))
         {
             return false;
         }
-        if (!cell->isArray())
+        if (present)
         {
-            members.push_back({&cell->getName(), &cell->getValue()});
-            continue;
-        }
-        Poco::Dynamic::Var rendered;
-        if (DBDataToJSONTransformator::handleAttributeValue(cell->getType(), cell->getName(), true,
-                                                            cell->getValue(), 0, rendered))
-        {
-            arrays.push_back(std::move(rendered));
-            members.push_back({&cell->getName(), &arrays.back()});
+            members.push_back({&cell->getName(), &member});
         }
     }
+    return writeMembers(members, stored, out);
+}
+
+bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco::Dynamic::Var& out,
+                                       bool& present) const
+{
+    // Beyond the first level a reference renders as more than its identity.
+    if (m_expansion != 0)
+    {
+        return false;
+    }
+    if (!cell.isArray())
+    {
+        return writeIdentity(cell.getValue().extract<std::string>(), out, present);
+    }
+    std::vector<std::string> uuids;
+    if (!extractUuidList(cell.getValue(), uuids) || uuids.empty())
+    {
+        present = false;
+        return true;
+    }
+    Poco::JSON::Array::Ptr identities(new Poco::JSON::Array);
+    for (const std::string& uuid : uuids)
+    {
+        Poco::Dynamic::Var identity;
+        bool shown = false;
+        if (!writeIdentity(uuid, identity, shown))
+        {
+            return false;
+        }
+        if (shown)
+        {
+            identities->add(identity);
+        }
+    }
+    // An array whose objects all render as nothing is shown as null.
+    if (identities->size() > 0)
+    {
+        out = identities;
+    }
+    present = true;
+    return true;
+}
+
+bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const
+{
+    // A missing object is left to the selection, which repairs the reference.
+    const DBData::XObject::Ptr target = m_store.get(uuid);
+    if (target.isNull())
+    {
+        return false;
+    }
+    present = !target->getAttributeValues().empty();
+    if (!present)
+    {
+        return true;
+    }
+    std::vector<Member> members;
+    for (const DBData::AttributeValuePtr& cell : target->getAttributeValues())
+    {
+        if (cell.isNull() || cell->getAttribute().isNull() || !cell->hasValue() ||
+            !DBData::Attribute::isDefaultAttribute(cell->getName()))
+        {
+            continue;
+        }
+        if (cell->getType() == DBData::AttrType_Object || cell->isArray())
+        {
+            return false;
+        }
+        members.push_back({&cell->getName(), &cell->getValue()});
+    }
+    std::string text;
+    if (!writeMembers(members, *target, text))
+    {
+        return false;
+    }
+    out = JsonText(std::move(text));
+    return true;
+}
+
+bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::XObject& object,
+                                    std::string& out)
+{
+    // As a JSON object holds them: sorted by name, a later member of a name replacing an earlier one,
+    // "id" from the UUID when no member gives it. An "id" that differs from the UUID is left to the
+    // rendering, which refuses it.
     std::stable_sort(members.begin(), members.end(),
                      [](const Member& a, const Member& b) { return *a.name < *b.name; });
     auto kept = members.begin();
@@ -202,7 +293,7 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
         }
     }
     members.erase(kept, members.end());
-    const std::string& uuid = stored.getId().toString();
+    const std::string& uuid = object.getId().toString();
     const Poco::Dynamic::Var uuidValue(uuid);
     const auto id =
         std::lower_bound(members.begin(), members.end(), Command::QueryParameter::KEY_ID,

@@ -41,9 +41,10 @@ public:
     Poco::Dynamic::Var render(std::size_t row) override;
     Poco::Dynamic::Var renderWhole(std::size_t row) override;
 
-    void writeAsText(bool enabled) { m_asText = enabled; }
+    void writeAsText(bool enabled, int expansion);
     /// Gives whole rows as JSON text (JsonText) written from the stored values, for answers that are
-    /// sent as text: an object without references renders as its values, which need no selection.
+    /// sent as text and expanded to this level: an object renders as its values, and at level 0 a
+    /// reference as the identity of the object it names, none of which needs a selection.
     void sort(std::vector<std::size_t>& selected, const Sortings& sortings) override;
 
 private:
@@ -51,7 +52,18 @@ private:
     Poco::Dynamic::Var renderedValue(const DBData::AttributeValue& cell) const;
     Poco::Dynamic::Var renderedReference(const std::string& uuid) const;
     static Poco::Dynamic::Var renderedId(const DBData::XObject& object);
-    static bool writeText(const DBData::XObject& stored, std::string& out);
+    // A member of an object being written: its name and its value as rendered.
+    struct Member
+    {
+        const std::string* name;
+        const Poco::Dynamic::Var* value;
+    };
+
+    bool writeText(const DBData::XObject& stored, std::string& out) const;
+    bool writeReferences(const DBData::AttributeValue& cell, Poco::Dynamic::Var& out, bool& present) const;
+    bool writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const;
+    static bool writeMembers(std::vector<Member>& members, const DBData::XObject& object, std::string& out);
+    /// Each gives false when the object has to be rendered from its selection instead.
 
     const DBData::XObjectCache& m_store;
     std::vector<DBData::XObjectId> m_ids;
@@ -59,6 +71,7 @@ private:
     std::size_t m_row;
     DBData::XObject::Ptr m_object;
     bool m_asText;
+    int m_expansion;
     SortedOrderCache* m_orders;
     DBData::DbId m_element;
     Poco::UInt64 m_version;
