@@ -55,7 +55,10 @@ public:
 
     std::size_t cells() const { return this->m_entries.size(); }
 
-    const V& keyOf(DbId object, DbId value) const { return this->m_entries.at(IndexEntry(object, value)); }
+    const V& keyOf(DbId object, DbId value) const
+    {
+        return this->m_entries.at(IndexEntry(object, value))->first;
+    }
 
     const typename AttributeIndex<V>::IndexMap& keys() const { return this->m_index; }
 

@@ -14,6 +14,7 @@
 #include <set>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace Orvi::DBData
 {
@@ -28,8 +29,9 @@ public:
     using IndexMap = std::map<V, Index::IndexGroup>;
     /// Value to the cells that hold it, in order of arrival.
 
-    using EntryMap = std::map<Index::IndexEntry, V>;
-    /// Cell to its present value, so that a new value replaces the old one without reading the object.
+    using EntryMap = std::map<Index::IndexEntry, typename IndexMap::iterator>;
+    /// Cell to the group of its present value, so that a new value replaces the old one without reading
+    /// the object; each value is kept once, as the key of its group.
 
     explicit AttributeIndex(const Attribute& attribute);
     ~AttributeIndex() override;
@@ -48,8 +50,11 @@ protected:
     /// Keys of m_index not written as they sort; while there is one, a search for written texts scans.
 
 private:
-    void insertIndexEntry(const Index::IndexEntry& entry, const V& key);
-    void removeIndexEntry(const typename EntryMap::iterator& it);
+    typename IndexMap::iterator insertIndexEntry(const Index::IndexEntry& entry, V&& key);
+    /// Appends the cell to the group of the key, made when missing; gives the group.
+
+    void removeFromGroup(const Index::IndexEntry& entry, typename IndexMap::iterator group);
+    /// Takes the cell out of its group, and the group out of the index when it empties.
 
     template <typename Matches>
     Index::IndexGroup findImpl(const Matches& matches) const;
@@ -90,36 +95,28 @@ bool AttributeIndex<V>::update(const AttributeValue& attrValue, const Poco::Dyna
     auto found = m_entries.find(newEntry);
     if (found == m_entries.end())
     {
-        auto inserted = m_entries.emplace(newEntry, V(value));
-        if (!inserted.second)
-        {
-            printLogError("Failed to insert new entry to AttributeIndex '" + attrValue.getName() + "'");
-            return false;
-        }
-        found = inserted.first;
-    }
-    else
-    {
-        // Moved to the end of its group even when the value is unchanged.
-        removeIndexEntry(found);
+        const auto group = insertIndexEntry(newEntry, V(value));
         try
         {
-            found->second = V(value);
+            m_entries.emplace(newEntry, group);
         }
         catch (...)
         {
-            // The cell is out of its group already: drop it, so that the index stays consistent.
-            m_entries.erase(found);
+            removeFromGroup(newEntry, group);
             throw;
         }
+        return true;
     }
 
+    // Moved to the end of its group even when the value is unchanged.
+    removeFromGroup(found->first, found->second);
     try
     {
-        insertIndexEntry(newEntry, found->second);
+        found->second = insertIndexEntry(newEntry, V(value));
     }
     catch (...)
     {
+        // The cell is out of its group already: drop it, so that the index stays consistent.
         m_entries.erase(found);
         throw;
     }
@@ -137,7 +134,7 @@ bool AttributeIndex<V>::remove(const AttributeValue& attrValue)
     const auto found = m_entries.find(Index::IndexEntry(attrValue.getParent(), attrValue.getDBID()));
     if (found != m_entries.end())
     {
-        removeIndexEntry(found);
+        removeFromGroup(found->first, found->second);
         m_entries.erase(found);
     }
     return true;
@@ -197,32 +194,30 @@ bool AttributeIndex<V>::isWrittenOtherwise(const V& key)
 }
 
 template <typename V>
-void AttributeIndex<V>::insertIndexEntry(const Index::IndexEntry& entry, const V& key)
+typename AttributeIndex<V>::IndexMap::iterator
+AttributeIndex<V>::insertIndexEntry(const Index::IndexEntry& entry, V&& key)
 {
     auto position = m_index.lower_bound(key);
     if (position != m_index.end() && !(key < position->first))
     {
         position->second.push_back(entry);
-        return;
+        return position;
     }
-    m_index.emplace_hint(position, key, Index::IndexGroup(1, entry));
-    if (isWrittenOtherwise(key))
+    const bool writtenOtherwise = isWrittenOtherwise(key);
+    position = m_index.emplace_hint(position, std::move(key), Index::IndexGroup(1, entry));
+    if (writtenOtherwise)
     {
         ++m_keysWrittenOtherwise;
     }
+    return position;
 }
 
 template <typename V>
-void AttributeIndex<V>::removeIndexEntry(const typename EntryMap::iterator& it)
+void AttributeIndex<V>::removeFromGroup(const Index::IndexEntry& entry, typename IndexMap::iterator group)
 {
-    const auto group = m_index.find(it->second);
-    if (group == m_index.end() || group->second.empty())
-    {
-        poco_bugcheck();
-    }
     Index::IndexGroup& entries = group->second;
     // A cell that changes often sits near the end of its group.
-    const auto position = std::find(entries.rbegin(), entries.rend(), it->first);
+    const auto position = std::find(entries.rbegin(), entries.rend(), entry);
     if (position == entries.rend())
     {
         poco_bugcheck();
