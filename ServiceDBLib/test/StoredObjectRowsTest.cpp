@@ -81,7 +81,8 @@ protected:
 
     StoredObjectRows rowsOfTheCar()
     {
-        return StoredObjectRows(m_cache.store(), {m_car},
+        m_rows = {m_car};
+        return StoredObjectRows(m_cache.store(), m_rows,
                                 [this](DbId id)
                                 {
                                     m_rendered.push_back(id);
@@ -92,6 +93,7 @@ protected:
     Orvi::DBData::ServiceMap m_services = ServiceDB::Test::Fleet::makeFleet();
     InspectableCache m_cache{m_services};
     DbId m_car = -1;
+    std::vector<DbId> m_rows;
     std::vector<DbId> m_rendered;
 };
 

@@ -272,43 +272,49 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
     const Criteria criteria = criteriaOf(request);
     const bool searches = !criteria.attributeSearches.empty() || !criteria.freeTextSearches.empty();
 
+    // Without search and sort every row stands where it is, and no list of the rows is made.
+    const bool asTheyAre = !searches && criteria.sortings.empty();
     std::vector<std::size_t> selected;
-    selected.reserve(rows.size());
-    for (std::size_t row = 0; row < rows.size(); ++row)
+    if (!asTheyAre)
     {
-        if (!searches || passesSearch(rows, row, criteria))
+        selected.reserve(rows.size());
+        for (std::size_t row = 0; row < rows.size(); ++row)
         {
-            selected.push_back(row);
+            if (!searches || passesSearch(rows, row, criteria))
+            {
+                selected.push_back(row);
+            }
         }
     }
-
     if (!criteria.sortings.empty())
     {
         rows.sort(selected, criteria.sortings);
     }
+    const std::size_t count = asTheyAre ? rows.size() : selected.size();
+    const auto rowAt = [&](std::size_t index) { return asTheyAre ? index : selected[index]; };
 
     std::size_t first = 0;
-    std::size_t last = selected.size();
+    std::size_t last = count;
     if (out_paging != nullptr && !criteria.pagings.empty())
     {
         const Paging& paging = *criteria.pagings.front();
-        const Paging::Window window = paging.locate(selected.size(),
+        const Paging::Window window = paging.locate(count,
                                                     [&](std::size_t index)
                                                     {
-                                                        const std::size_t row = selected[index];
+                                                        const std::size_t row = rowAt(index);
                                                         return rows.isObject(row)
                                                                    ? rows.member(row, QueryParameter::KEY_ID)
                                                                    : Poco::Dynamic::Var();
                                                     });
         first = window.begin;
         last = window.end;
-        *out_paging = pagingObject(paging, window, selected.size(), request);
+        *out_paging = pagingObject(paging, window, count, request);
     }
 
     Poco::JSON::Array result;
     for (std::size_t index = first; index < last; ++index)
     {
-        const std::size_t row = selected[index];
+        const std::size_t row = rowAt(index);
         result.add(criteria.rendersObjects() ? renderElement(rows.render(row), criteria)
                                              : rows.renderWhole(row));
     }

@@ -328,28 +328,27 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, P
         return false;
     }
 
-    std::vector<DbId> ids;
+    // The rows borrow the element's ids: answering adds and removes no object.
+    const std::vector<DbId>* ids = &element->getXObjectIdList();
+    std::vector<DbId> foundIds;
     std::set<DbId> found;
     const bool searched = findXObjectIds(request, *element, found);
     if (searched)
     {
-        ids.assign(found.begin(), found.end());
+        foundIds.assign(found.begin(), found.end());
+        ids = &foundIds;
     }
-    else
+    else if (ids->empty())
     {
-        ids = element->getXObjectIdList();
-        if (ids.empty())
-        {
-            LOG_INFO("Selection of Elements for Resource \"/"
-                     << urlPath.getService() << "/" << urlPath.getResource() << "/\" returned 0 results.");
-        }
+        LOG_INFO("Selection of Elements for Resource \"/"
+                 << urlPath.getService() << "/" << urlPath.getResource() << "/\" returned 0 results.");
     }
-    if (ids.empty())
+    if (ids->empty())
     {
         return true;
     }
 
-    StoredObjectRows rows(m_xobjCache, std::move(ids),
+    StoredObjectRows rows(m_xobjCache, *ids,
                           [this, expansionLevel](DbId id)
                           {
                               const XObject::Ptr object = selectXObject(id, expansionLevel);

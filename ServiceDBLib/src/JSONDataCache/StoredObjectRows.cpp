@@ -27,10 +27,10 @@ constexpr std::size_t NO_ROW = static_cast<std::size_t>(-1);
 
 } // namespace
 
-StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store, std::vector<DBData::XObjectId> ids,
-                                   Renderer renderer)
+StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store,
+                                   const std::vector<DBData::XObjectId>& ids, Renderer renderer)
     : m_store(store)
-    , m_ids(std::move(ids))
+    , m_ids(ids)
     , m_renderer(std::move(renderer))
     , m_row(NO_ROW)
     , m_asText(false)

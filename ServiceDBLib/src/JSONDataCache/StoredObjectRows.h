@@ -24,9 +24,10 @@ public:
     using Renderer = std::function<Poco::Dynamic::Var(DBData::XObjectId id)>;
     /// Selects and renders one object of the answer.
 
-    StoredObjectRows(const DBData::XObjectCache& store, std::vector<DBData::XObjectId> ids,
+    StoredObjectRows(const DBData::XObjectCache& store, const std::vector<DBData::XObjectId>& ids,
                      Renderer renderer);
-    /// The rows are the objects of these ids, in this order.
+    /// The rows are the objects of these ids, in this order; the list is borrowed and has to outlive the
+    /// rows unchanged.
 
     ~StoredObjectRows() override;
 
@@ -66,7 +67,7 @@ private:
     /// Each gives false when the object has to be rendered from its selection instead.
 
     const DBData::XObjectCache& m_store;
-    std::vector<DBData::XObjectId> m_ids;
+    const std::vector<DBData::XObjectId>& m_ids;
     Renderer m_renderer;
     std::size_t m_row;
     DBData::XObject::Ptr m_object;
