@@ -999,4 +999,24 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersObjectsForFieldsOrExpansio
     }
 }
 
+TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesEveryByteOfATextAsTheRenderingDoes)
+{
+    insertThings(2);
+    std::string everyByte;
+    for (int byte = 1; byte < 256; ++byte)
+    {
+        everyByte += static_cast<char>(byte);
+    }
+    stores.write(thingUuid(1), "label", everyByte);
+    stores.write(thingUuid(2), "label", "\xE2\x82\xAC \xF0\x9F\x9A\x97 \x7F");
+    stores.write(thingUuid(2), "tags", arrayOf({Var(everyByte), Var("/")}));
+    const std::string address = "/yard/things";
+
+    const Answer actual = answer(sut, address);
+
+    EXPECT_EQ(actual.status, Status::HTTP_OK);
+    EXPECT_TRUE(actual.body == answer(stores.reference, address).body)
+        << firstDifference(actual.body, answer(stores.reference, address).body);
+}
+
 } // namespace

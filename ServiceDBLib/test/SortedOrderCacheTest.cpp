@@ -85,13 +85,14 @@ TEST(SortedOrderCache, LetsTheOrderUsedLeastRecentlyGoBeyondItsCapacity)
     EXPECT_THAT(sut.find(3, 30, "c"), NotNull());
 }
 
-TEST(SortedOrderCache, KeepsNothingWithoutCapacity)
+TEST(SortedOrderCache, KeepsOneOrderWithACapacityOfZero)
 {
     SortedOrderCache sut(0);
 
-    sut.keep(1, 10, "a", {0});
+    const SortedOrderCache::Order& kept = sut.keep(1, 10, "a", {2, 0, 1});
 
-    EXPECT_THAT(sut.find(1, 10, "a"), IsNull());
+    EXPECT_THAT(kept, ElementsAre(2, 0, 1));
+    EXPECT_EQ(sut.find(1, 10, "a"), &kept);
 }
 
 TEST(SortedOrderCache, WritesEachKeyWithItsDirectionAndLength)

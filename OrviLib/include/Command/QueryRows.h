@@ -49,9 +49,12 @@ public:
     /// The rendered element for an answer that neither leaves members out nor expands them; it may be a
     /// value that stringifies as the element does without being JSON. By default render().
 
-    virtual void sort(std::vector<std::size_t>& selected, const Sortings& sortings);
-    /// Orders the selected rows (ascending) by the sortings, rows that compare equal keeping their
-    /// order. An implementation may give an order it remembers, when it is the order this would give.
+    void sort(std::vector<std::size_t>& selected, const Sortings& sortings);
+    /// Orders the selected rows (ascending) by the sortings, rows that compare equal keeping their order.
+
+    virtual const std::vector<std::size_t>* orderOfAll(const Sortings& sortings);
+    /// The order that sort() gives all rows, when the rows keep it so that it need not be sorted again;
+    /// null (the default) otherwise.
 
 protected:
     QueryRows() = default;

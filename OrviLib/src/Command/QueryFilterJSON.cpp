@@ -272,10 +272,13 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
     const Criteria criteria = criteriaOf(request);
     const bool searches = !criteria.attributeSearches.empty() || !criteria.freeTextSearches.empty();
 
-    // Without search and sort every row stands where it is, and no list of the rows is made.
+    // Without search and sort every row stands where it is, and no list of the rows is made; an order of
+    // all rows that the rows keep is taken as it is.
     const bool asTheyAre = !searches && criteria.sortings.empty();
+    const std::vector<std::size_t>* kept =
+        !searches && !criteria.sortings.empty() ? rows.orderOfAll(criteria.sortings) : nullptr;
     std::vector<std::size_t> selected;
-    if (!asTheyAre)
+    if (!asTheyAre && kept == nullptr)
     {
         selected.reserve(rows.size());
         for (std::size_t row = 0; row < rows.size(); ++row)
@@ -285,13 +288,14 @@ void filterRows(QueryRows& rows, const RequestBase& request, Poco::JSON::Array& 
                 selected.push_back(row);
             }
         }
+        if (!criteria.sortings.empty())
+        {
+            rows.sort(selected, criteria.sortings);
+        }
     }
-    if (!criteria.sortings.empty())
-    {
-        rows.sort(selected, criteria.sortings);
-    }
-    const std::size_t count = asTheyAre ? rows.size() : selected.size();
-    const auto rowAt = [&](std::size_t index) { return asTheyAre ? index : selected[index]; };
+    const std::vector<std::size_t>& order = kept != nullptr ? *kept : selected;
+    const std::size_t count = asTheyAre ? rows.size() : order.size();
+    const auto rowAt = [&](std::size_t index) { return asTheyAre ? index : order[index]; };
 
     std::size_t first = 0;
     std::size_t last = count;

@@ -10,6 +10,11 @@ Poco::Dynamic::Var QueryRows::renderWhole(std::size_t row)
     return render(row);
 }
 
+const std::vector<std::size_t>* QueryRows::orderOfAll(const Sortings&)
+{
+    return nullptr;
+}
+
 void QueryRows::sort(std::vector<std::size_t>& selected, const Sortings& sortings)
 {
     const SortingParameter::KeyReader valueOf = [this](std::size_t row, const std::string& key)

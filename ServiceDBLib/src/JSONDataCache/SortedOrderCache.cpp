@@ -6,7 +6,7 @@ namespace Orvi::JSONDataCache
 {
 
 SortedOrderCache::SortedOrderCache(std::size_t capacity)
-    : m_capacity(capacity)
+    : m_capacity(capacity > 0 ? capacity : 1)
 {
 }
 
@@ -27,13 +27,9 @@ const SortedOrderCache::Order* SortedOrderCache::find(DBData::DbId element, Poco
     return nullptr;
 }
 
-void SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria,
-                            Order order)
+const SortedOrderCache::Order& SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version,
+                                                      const std::string& criteria, Order order)
 {
-    if (m_capacity == 0)
-    {
-        return;
-    }
     dropOtherVersions(element, version);
     m_entries.remove_if([&](const Entry& entry)
                         { return entry.element == element && entry.criteria == criteria; });
@@ -42,6 +38,7 @@ void SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version, const st
     {
         m_entries.pop_back();
     }
+    return m_entries.front().order;
 }
 
 std::string SortedOrderCache::criteriaOf(const Command::QueryRows::Sortings& sortings)

@@ -22,16 +22,16 @@ public:
     /// Positions in the element's ascending id list, in sorted order.
 
     explicit SortedOrderCache(std::size_t capacity);
-    /// Keeps at most capacity orders.
+    /// Keeps at most capacity orders; a capacity of 0 counts as 1.
 
     ~SortedOrderCache();
 
     const Order* find(DBData::DbId element, Poco::UInt64 version, const std::string& criteria);
     /// The order kept for the element in this version under these criteria, or null.
 
-    void keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria, Order order);
-    /// Keeps the order in place of the element's orders of other versions; beyond the capacity the
-    /// order used least recently goes.
+    const Order& keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria, Order order);
+    /// Keeps the order in place of the element's orders of other versions and gives it; beyond the
+    /// capacity the order used least recently goes.
 
     std::size_t size() const { return m_entries.size(); }
 

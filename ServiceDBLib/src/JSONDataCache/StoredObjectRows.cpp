@@ -14,7 +14,9 @@
 #include <algorithm>
 #include <deque>
 #include <iterator>
+#include <numeric>
 #include <sstream>
+#include <typeinfo>
 #include <utility>
 
 namespace Orvi::JSONDataCache
@@ -56,22 +58,21 @@ void StoredObjectRows::writeAsText(bool enabled, int expansion)
     m_expansion = expansion;
 }
 
-void StoredObjectRows::sort(std::vector<std::size_t>& selected, const Sortings& sortings)
+const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sortings)
 {
-    // Only the order of all rows is the same whatever selected them.
-    if (m_orders == nullptr || selected.size() != m_ids.size())
+    if (m_orders == nullptr)
     {
-        QueryRows::sort(selected, sortings);
-        return;
+        return nullptr;
     }
     const std::string criteria = SortedOrderCache::criteriaOf(sortings);
     if (const SortedOrderCache::Order* order = m_orders->find(m_element, m_version, criteria))
     {
-        selected = *order;
-        return;
+        return order;
     }
-    QueryRows::sort(selected, sortings);
-    m_orders->keep(m_element, m_version, criteria, selected);
+    SortedOrderCache::Order order(m_ids.size());
+    std::iota(order.begin(), order.end(), 0);
+    sort(order, sortings);
+    return &m_orders->keep(m_element, m_version, criteria, std::move(order));
 }
 
 const DBData::XObject& StoredObjectRows::object(std::size_t row)
@@ -307,21 +308,57 @@ bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::
         return false;
     }
 
-    std::ostringstream text;
-    text << '{';
+    out.clear();
+    out += '{';
     for (auto member = members.begin(); member != members.end(); ++member)
     {
         if (member != members.begin())
         {
-            text << ',';
+            out += ',';
         }
-        Poco::JSON::Stringifier::formatString(*member->name, text, Poco::JSON_WRAP_STRINGS);
-        text << ':';
-        Poco::JSON::Stringifier::stringify(*member->value, text, 0, 0, Poco::JSON_WRAP_STRINGS);
+        appendString(*member->name, out);
+        out += ':';
+        appendValue(*member->value, out);
     }
-    text << '}';
-    out = text.str();
+    out += '}';
     return true;
+}
+
+void StoredObjectRows::appendString(const std::string& value, std::string& out)
+{
+    // Printable ASCII but the quote, the backslash and the slash stands as it is in JSON text; anything
+    // else is escaped as the JSON stringifier escapes it.
+    const bool plain =
+        std::all_of(value.begin(), value.end(),
+                    [](char c) { return c >= 0x20 && c <= 0x7e && c != '"' && c != '\\' && c != '/'; });
+    if (plain)
+    {
+        out += '"';
+        out += value;
+        out += '"';
+        return;
+    }
+    std::ostringstream text;
+    Poco::JSON::Stringifier::formatString(value, text, Poco::JSON_WRAP_STRINGS);
+    out += text.str();
+}
+
+void StoredObjectRows::appendValue(const Poco::Dynamic::Var& value, std::string& out)
+{
+    // The stringifier writes a number or a boolean as its text, and a text quoted.
+    if (value.type() == typeid(std::string))
+    {
+        appendString(value.extract<std::string>(), out);
+        return;
+    }
+    if ((value.isNumeric() || value.isBoolean()) && value.type() != typeid(char))
+    {
+        out += value.convert<std::string>();
+        return;
+    }
+    std::ostringstream text;
+    Poco::JSON::Stringifier::stringify(value, text, 0, 0, Poco::JSON_WRAP_STRINGS);
+    out += text.str();
 }
 
 Poco::Dynamic::Var StoredObjectRows::renderedValue(const DBData::AttributeValue& cell) const

@@ -46,7 +46,7 @@ public:
     /// Gives whole rows as JSON text (JsonText) written from the stored values, for answers that are
     /// sent as text and expanded to this level: an object renders as its values, and at level 0 a
     /// reference as the identity of the object it names, none of which needs a selection.
-    void sort(std::vector<std::size_t>& selected, const Sortings& sortings) override;
+    const std::vector<std::size_t>* orderOfAll(const Sortings& sortings) override;
 
 private:
     const DBData::XObject& object(std::size_t row);
@@ -65,6 +65,10 @@ private:
     bool writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const;
     static bool writeMembers(std::vector<Member>& members, const DBData::XObject& object, std::string& out);
     /// Each gives false when the object has to be rendered from its selection instead.
+
+    static void appendString(const std::string& value, std::string& out);
+    static void appendValue(const Poco::Dynamic::Var& value, std::string& out);
+    /// Append the JSON text of the value as the JSON stringifier writes it.
 
     const DBData::XObjectCache& m_store;
     const std::vector<DBData::XObjectId>& m_ids;
