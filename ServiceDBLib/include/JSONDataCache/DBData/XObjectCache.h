@@ -8,6 +8,7 @@
 
 #include <map>
 #include <string>
+#include <unordered_map>
 
 namespace Orvi::DBData
 {
@@ -17,7 +18,7 @@ namespace Orvi::DBData
 class XObjectCache
 {
 public:
-    using idMap = std::map<DbId, XObject::Ptr>;
+    using idMap = std::unordered_map<DbId, XObject::Ptr>;
     using uuidMap = std::map<Poco::UUID, XObject::Ptr>;
 
     static constexpr DbId FIRST_ID = 1;

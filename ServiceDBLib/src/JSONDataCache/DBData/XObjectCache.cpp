@@ -32,19 +32,12 @@ DbId XObjectCache::getNextId()
     {
         throw Poco::PoolOverflowException("Maximum limit of XObjectIDs reached");
     }
-    // Walks the run of taken ids from the cursor along the sorted keys instead of looking each one up.
-    auto taken = m_idMap.find(m_nextId);
-    while (taken != m_idMap.end() && taken->first == m_nextId)
+    while (m_idMap.count(m_nextId) > 0)
     {
         ++m_nextId;
         if (m_nextId == ID_LIMIT)
         {
             m_nextId = FIRST_ID;
-            taken = m_idMap.find(m_nextId);
-        }
-        else
-        {
-            ++taken;
         }
     }
     return m_nextId;
@@ -57,8 +50,7 @@ bool XObjectCache::insertObject(const XObject& object)
     {
         return false;
     }
-    const auto idPosition = m_idMap.lower_bound(id);
-    if (idPosition != m_idMap.end() && idPosition->first == id)
+    if (m_idMap.count(id) > 0)
     {
         return false;
     }
@@ -76,7 +68,7 @@ bool XObjectCache::insertObject(const XObject& object)
     // The store keeps its own cells, so that no caller shares a value with it by accident.
     XObject::Ptr copy(new XObject(Element::Ptr()));
     copy->copyFrom(object, true);
-    m_idMap.emplace_hint(idPosition, id, copy);
+    m_idMap.emplace(id, copy);
     m_uuidMap.emplace_hint(uuidPosition, uuid, copy);
     return true;
 }
