@@ -54,7 +54,9 @@ public:
     virtual Command::HTTPStatus queryCache(const Command::RequestBase& request,
                                            Command::HttpResponse& out_response, Poco::UInt16 requestPort);
     /// Answers a GET; out_response is filled only on success. A service is seen only on its own port,
-    /// the root and the keywords on any. An unknown resource raises Poco::NullPointerException.
+    /// the root and the keywords on any. An unknown resource raises Poco::NullPointerException. The
+    /// answer is meant to be sent: the rows of a resource may be held as JSON text rather than as JSON
+    /// objects, so read them from the body, not from the JSON message.
 
     virtual Command::HTTPStatus queryCache(const Command::RequestBase& request,
                                            Command::WebSocketResponseObject& out_response,
