@@ -30,6 +30,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -161,6 +162,21 @@ std::string pagingOf(const std::string& body)
     std::ostringstream out;
     parsed(body)->getObject("paging")->stringify(out);
     return out.str();
+}
+
+// How each row of an answer's "data" is held: "text" (written JSON text), "object" or "other".
+Strings rowFormsOf(const Poco::JSON::Object::Ptr& answer)
+{
+    Strings forms;
+    const Poco::JSON::Array::Ptr data = answer->getArray("data");
+    for (std::size_t row = 0; !data.isNull() && row < data->size(); ++row)
+    {
+        const std::type_info& type = data->get(static_cast<unsigned int>(row)).type();
+        forms.push_back(type == typeid(Orvi::JSONDataCache::JsonText) ? "text"
+                        : type == typeid(Poco::JSON::Object::Ptr)     ? "object"
+                                                                      : "other");
+    }
+    return forms;
 }
 
 Strings idsOf(const std::string& body)
@@ -914,13 +930,7 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest,
 
     ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
 
-    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
-    ASSERT_EQ(data->size(), 3U);
-    for (std::size_t row = 0; row < data->size(); ++row)
-    {
-        EXPECT_EQ(data->get(static_cast<unsigned int>(row)).type(), typeid(Orvi::JSONDataCache::JsonText))
-            << row;
-    }
+    EXPECT_EQ(rowFormsOf(response.getJsonMsg()), Strings({"text", "text", "text"}));
     EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
 }
 
@@ -939,13 +949,7 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesReferencesAsTheIdentitiesOf
 
     ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
 
-    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
-    ASSERT_EQ(data->size(), 3U);
-    for (std::size_t row = 0; row < data->size(); ++row)
-    {
-        EXPECT_EQ(data->get(static_cast<unsigned int>(row)).type(), typeid(Orvi::JSONDataCache::JsonText))
-            << row;
-    }
+    EXPECT_EQ(rowFormsOf(response.getJsonMsg()), Strings({"text", "text", "text"}));
     EXPECT_NE(response.getBody().find("\"owner\":{\"id\":\"" + targetUuid(1) +
                                       "\",\"name\":\"first \\\"one\\\"\",\"uri\""),
               std::string::npos)
@@ -963,10 +967,7 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceFrom
 
     ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
 
-    const Poco::JSON::Array::Ptr data = response.getJsonMsg()->getArray("data");
-    ASSERT_EQ(data->size(), 2U);
-    EXPECT_EQ(data->get(0).type(), typeid(Orvi::JSONDataCache::JsonText));
-    EXPECT_EQ(data->get(1).type(), typeid(Poco::JSON::Object::Ptr));
+    EXPECT_EQ(rowFormsOf(response.getJsonMsg()), Strings({"text", "object"}));
     EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
 }
 
@@ -977,10 +978,7 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, GivesJsonObjectsToAWebSocketAnswe
 
     ASSERT_EQ(sut.queryCache(makeRequest("/yard/things"), response, PORT), Status::HTTP_OK);
 
-    const Poco::JSON::Array::Ptr data = response.JSONObject->getArray("data");
-    ASSERT_FALSE(data.isNull());
-    ASSERT_EQ(data->size(), 1U);
-    EXPECT_EQ(data->get(0).type(), typeid(Poco::JSON::Object::Ptr));
+    EXPECT_EQ(rowFormsOf(response.JSONObject), Strings({"object"}));
 }
 
 TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersObjectsForFieldsOrExpansionInsteadOfWritingText)
@@ -993,8 +991,7 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersObjectsForFieldsOrExpansio
 
         ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK) << address;
 
-        EXPECT_EQ(response.getJsonMsg()->getArray("data")->get(0).type(), typeid(Poco::JSON::Object::Ptr))
-            << address;
+        EXPECT_EQ(rowFormsOf(response.getJsonMsg()), Strings({"object"})) << address;
         EXPECT_EQ(response.getBody(), answer(stores.reference, address).body) << address;
     }
 }

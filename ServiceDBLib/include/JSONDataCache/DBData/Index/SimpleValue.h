@@ -49,8 +49,8 @@ private:
     /// The text of a value that is not null as an attribute value is written; the buffer holds it when
     /// it is not the sort text.
 
-    // Shared by the copies of a key, so that the two copies an index keeps cost one text; empty until
-    // first needed, and never needed for a value that is text itself.
+    // Shared by the copies of a key, so that copying a key copies no text; empty until first needed, and
+    // never needed for a value that is text itself.
     mutable std::shared_ptr<const std::string> sortText;
 };
 
