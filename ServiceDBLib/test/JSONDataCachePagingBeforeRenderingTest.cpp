@@ -179,6 +179,15 @@ Strings rowFormsOf(const Poco::JSON::Object::Ptr& answer)
     return forms;
 }
 
+// How the "data" of an answer of one object is held.
+std::string dataFormOf(const Poco::JSON::Object::Ptr& answer)
+{
+    const std::type_info& type = answer->get("data").type();
+    return type == typeid(Orvi::JSONDataCache::JsonText) ? "text"
+           : type == typeid(Poco::JSON::Object::Ptr)     ? "object"
+                                                         : "other";
+}
+
 Strings idsOf(const std::string& body)
 {
     Strings ids;
@@ -590,6 +599,10 @@ protected:
     {
         const bool ofThings = !dice.chance(15);
         const Strings& keys = ofThings ? THING_KEYS : TARGET_KEYS;
+        if (dice.chance(15))
+        {
+            return randomObjectAddress(ofThings, keys);
+        }
         Strings parts;
         if (dice.chance(45))
         {
@@ -646,6 +659,34 @@ protected:
         return address;
     }
 
+    // One object: mostly a stored one of the resource, else one of the other resource or one that is gone.
+    std::string randomObjectAddress(bool ofThings, const Strings& keys)
+    {
+        std::string uuid;
+        switch (dice.below(8))
+        {
+        case 0:
+            uuid = anyUuid(ofThings ? targets : things);
+            break;
+        case 1:
+            uuid = goneUuid();
+            break;
+        default:
+            uuid = anyUuid(ofThings ? things : targets);
+            break;
+        }
+        std::string address = uriOf(ofThings ? THINGS : TARGETS, uuid);
+        if (dice.chance(20))
+        {
+            address += "?$fields=" + dice.pick(keys);
+        }
+        else if (dice.chance(30))
+        {
+            address += "?$expand=" + dice.pick(EXPANSIONS);
+        }
+        return address;
+    }
+
     Dice dice{GetParam()};
     StorePair stores;
     Strings things;
@@ -662,6 +703,7 @@ TEST_P(JSONDataCachePagingBeforeRenderingRandomTest, AnswersEveryQueryAsRenderin
     LogCapture quiet(Poco::Message::PRIO_ERROR);
     fill();
     int answersWithObjects = 0;
+    int answersOfOneObject = 0;
 
     for (int query = 0; query < QUERY_COUNT; ++query)
     {
@@ -699,10 +741,15 @@ TEST_P(JSONDataCachePagingBeforeRenderingRandomTest, AnswersEveryQueryAsRenderin
         {
             ++answersWithObjects;
         }
+        if (actual.body.find("\"data\":{") != std::string::npos)
+        {
+            ++answersOfOneObject;
+        }
     }
 
     // Guards against queries that never find anything, which would compare empty answers only.
     EXPECT_GT(answersWithObjects, QUERY_COUNT / 3);
+    EXPECT_GT(answersOfOneObject, QUERY_COUNT / 20);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, JSONDataCachePagingBeforeRenderingRandomTest, testing::Range(1U, 21U));
@@ -1017,3 +1064,89 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesEveryByteOfATextAsTheRender
 }
 
 } // namespace
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesOneObjectWithItsReferencesAsTheTextItsRenderingGives)
+{
+    insertThings(2);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(targetUuid(1), "name", "first");
+    stores.write(thingUuid(2), "label", "tab\there \"quoted\"");
+    stores.write(thingUuid(2), "weight", 0.5);
+    stores.write(thingUuid(2), "owner", uriOf(TARGETS, targetUuid(1)));
+    stores.write(thingUuid(2), "links", arrayOf({Var(uriOf(TARGETS, targetUuid(1)))}));
+    const std::string address = uriOf(THINGS, thingUuid(2));
+    HttpResponse response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
+
+    EXPECT_EQ(dataFormOf(response.getJsonMsg()), "text");
+    const std::string owner = "{\"id\":\"" + targetUuid(1) + "\",\"name\":\"first\",\"uri\":\"" +
+                              uriOf(TARGETS, targetUuid(1)) + "\"}";
+    EXPECT_EQ(response.getBody(), "{\"data\":{\"id\":\"" + thingUuid(2) +
+                                      "\",\"label\":\"tab\\there \\\"quoted\\\"\",\"links\":[" + owner +
+                                      "],\"name\":\"\",\"owner\":" + owner + ",\"uri\":\"" +
+                                      uriOf(THINGS, thingUuid(2)) + "\",\"weight\":0.5},\"status\":\"ok\"}");
+    EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, SelectsOneObjectThatNamesAGoneObjectAndRepairsItWithItsLogLine)
+{
+    insertThings(1);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(thingUuid(1), "owner", uriOf(TARGETS, targetUuid(1)));
+    stores.remove(targetUuid(1));
+    const std::string address = uriOf(THINGS, thingUuid(1));
+    LogCapture capture;
+    HttpResponse first;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), first, PORT), Status::HTTP_OK);
+
+    EXPECT_EQ(dataFormOf(first.getJsonMsg()), "object");
+    EXPECT_EQ(capture.linesStartingWith("Error: "),
+              Strings{"Error: Failed to retrieve references for " + thingUuid(1) + " attribute owner"});
+    EXPECT_FALSE(sut.store().get(thingUuid(1))->getValue("owner")->hasValue());
+    HttpResponse second;
+    ASSERT_EQ(sut.queryCache(makeRequest(address), second, PORT), Status::HTTP_OK);
+    EXPECT_EQ(dataFormOf(second.getJsonMsg()), "text");
+    EXPECT_EQ(second.getBody(), first.getBody());
+    EXPECT_EQ(answer(stores.reference, address).body, first.getBody());
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersOneObjectForFieldsNamedExpansionOrADeeperLevel)
+{
+    insertThings(1);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(thingUuid(1), "label", "Green");
+    stores.write(thingUuid(1), "owner", uriOf(TARGETS, targetUuid(1)));
+    const std::string object = uriOf(THINGS, thingUuid(1));
+    for (const std::string& address :
+         {object + "?$fields=label", object + "?$expand=owner", object + "?$expand=1"})
+    {
+        HttpResponse response;
+
+        ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK) << address;
+
+        EXPECT_EQ(dataFormOf(response.getJsonMsg()), "object") << address;
+        EXPECT_EQ(response.getBody(), answer(stores.reference, address).body) << address;
+    }
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, AnswersAnObjectOfAnotherResourceNotFoundWithTheSameLogLines)
+{
+    insertThings(1);
+    stores.insert(TARGETS, targetUuid(1));
+    const std::string address = uriOf(THINGS, targetUuid(1));
+    LogCapture capture;
+    HttpResponse response;
+
+    const Status status = sut.queryCache(makeRequest(address), response, PORT);
+
+    EXPECT_EQ(status, Status::HTTP_NOT_FOUND);
+    const Strings lines = capture.lines();
+    capture.clear();
+    EXPECT_EQ(answer(stores.reference, address).status, Status::HTTP_NOT_FOUND);
+    EXPECT_EQ(lines, capture.lines());
+    EXPECT_EQ(lines,
+              Strings({"Warning: Can not find element yard/things/" + targetUuid(1),
+                       "Warning: Selection of Element \"/yard/things/" + targetUuid(1) + "/\" failed."}));
+}

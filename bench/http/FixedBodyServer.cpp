@@ -2,7 +2,10 @@
 // It does no work per request beyond what POCO itself does, so its rate is the ceiling that any
 // server built on the same POCO HTTP stack can reach on this machine.
 //
-// Usage: fixed-body-server PORT BODY_FILE [THREADS]
+// With --hand-off the server threads do what ours do: queue the exchange for one worker thread, which
+// sends the answer, and wait until it has. Its rate is the ceiling of that threading model.
+//
+// Usage: fixed-body-server [--hand-off] PORT BODY_FILE [THREADS]
 // Listens on 127.0.0.1 only and runs until SIGINT or SIGTERM.
 
 #include <Poco/Net/HTTPRequestHandler.h>
@@ -14,16 +17,23 @@
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/NumberParser.h>
+#include <Poco/SynchronizedObject.h>
 #include <Poco/ThreadPool.h>
 
+#include <condition_variable>
 #include <csignal>
+#include <deque>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <limits>
+#include <memory>
+#include <mutex>
 #include <pthread.h>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace
@@ -31,45 +41,122 @@ namespace
 
 const std::string CONTENT_TYPE_JSON = "application/json; charset=utf-8";
 
-class FixedBodyHandler : public Poco::Net::HTTPRequestHandler
-/// Sends the shared body; the handler is made per request, so it only keeps a reference.
+void sendBody(const std::string& body, Poco::Net::HTTPServerRequest& request,
+              Poco::Net::HTTPServerResponse& response)
+{
+    // The request body is drained so that a keep-alive connection stays usable.
+    request.stream().ignore(std::numeric_limits<std::streamsize>::max());
+    response.setStatus(Poco::Net::HTTPResponse::HTTP_OK);
+    response.setContentType(CONTENT_TYPE_JSON);
+    response.sendBuffer(body.data(), body.size());
+}
+
+class Worker
+/// One thread that runs queued jobs in order, as the worker of a service does.
 {
 public:
-    explicit FixedBodyHandler(const std::string& body)
+    Worker()
+        : m_thread([this] { run(); })
+    {
+    }
+
+    ~Worker()
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_stopping = true;
+        }
+        m_wakeUp.notify_one();
+        m_thread.join();
+    }
+
+    /// Runs the job on the worker and returns when it has run.
+    void runAndWait(const std::function<void()>& job)
+    {
+        Poco::SynchronizedObject done;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_jobs.emplace_back(
+                [&job, &done]
+                {
+                    job();
+                    done.notify();
+                });
+        }
+        m_wakeUp.notify_one();
+        done.wait();
+    }
+
+private:
+    void run()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        for (;;)
+        {
+            m_wakeUp.wait(lock, [this] { return m_stopping || !m_jobs.empty(); });
+            if (m_jobs.empty())
+            {
+                return;
+            }
+            const std::function<void()> job = std::move(m_jobs.front());
+            m_jobs.pop_front();
+            lock.unlock();
+            job();
+            lock.lock();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wakeUp;
+    std::deque<std::function<void()>> m_jobs;
+    bool m_stopping = false;
+    std::thread m_thread;
+};
+
+class FixedBodyHandler : public Poco::Net::HTTPRequestHandler
+/// Sends the shared body, itself or through the worker; made per request, so it only keeps references.
+{
+public:
+    FixedBodyHandler(const std::string& body, Worker* worker)
         : m_body(body)
+        , m_worker(worker)
     {
     }
 
     void handleRequest(Poco::Net::HTTPServerRequest& request,
                        Poco::Net::HTTPServerResponse& response) override
     {
-        // The request body is drained so that a keep-alive connection stays usable.
-        request.stream().ignore(std::numeric_limits<std::streamsize>::max());
-        response.setStatus(Poco::Net::HTTPResponse::HTTP_OK);
-        response.setContentType(CONTENT_TYPE_JSON);
-        response.sendBuffer(m_body.data(), m_body.size());
+        if (m_worker == nullptr)
+        {
+            sendBody(m_body, request, response);
+            return;
+        }
+        m_worker->runAndWait([this, &request, &response] { sendBody(m_body, request, response); });
     }
 
 private:
     const std::string& m_body;
+    Worker* m_worker;
 };
 
 class FixedBodyHandlerFactory : public Poco::Net::HTTPRequestHandlerFactory
-/// Owns the body for the server's whole life.
+/// Owns the body and the worker, if any, for the server's whole life.
 {
 public:
-    explicit FixedBodyHandlerFactory(std::string body)
+    FixedBodyHandlerFactory(std::string body, bool handOff)
         : m_body(std::move(body))
+        , m_worker(handOff ? std::make_unique<Worker>() : nullptr)
     {
     }
 
     Poco::Net::HTTPRequestHandler* createRequestHandler(const Poco::Net::HTTPServerRequest&) override
     {
-        return new FixedBodyHandler(m_body);
+        return new FixedBodyHandler(m_body, m_worker.get());
     }
 
 private:
     const std::string m_body;
+    const std::unique_ptr<Worker> m_worker;
 };
 
 std::string readFile(const std::string& path)
@@ -88,15 +175,17 @@ std::string readFile(const std::string& path)
 
 int main(int argc, char** argv)
 {
-    if (argc < 3 || argc > 4)
+    const bool handOff = argc > 1 && std::string(argv[1]) == "--hand-off";
+    const int first = handOff ? 2 : 1;
+    if (argc < first + 2 || argc > first + 3)
     {
-        std::cerr << "usage: " << argv[0] << " PORT BODY_FILE [THREADS]\n";
+        std::cerr << "usage: " << argv[0] << " [--hand-off] PORT BODY_FILE [THREADS]\n";
         return 2;
     }
     try
     {
-        const auto port = static_cast<Poco::UInt16>(Poco::NumberParser::parseUnsigned(argv[1]));
-        const int threads = argc == 4 ? Poco::NumberParser::parse(argv[3]) : 16;
+        const auto port = static_cast<Poco::UInt16>(Poco::NumberParser::parseUnsigned(argv[first]));
+        const int threads = argc == first + 3 ? Poco::NumberParser::parse(argv[first + 2]) : 16;
 
         // Block the stop signals before any thread starts, so that only sigwait below sees them.
         sigset_t stopSignals;
@@ -110,7 +199,8 @@ int main(int argc, char** argv)
         params->setMaxThreads(threads);
         params->setKeepAlive(true);
         Poco::ThreadPool pool(2, threads);
-        Poco::Net::HTTPServer server(new FixedBodyHandlerFactory(readFile(argv[2])), pool, socket, params);
+        Poco::Net::HTTPServer server(new FixedBodyHandlerFactory(readFile(argv[first + 1]), handOff), pool,
+                                     socket, params);
         server.start();
         std::cout << "fixed-body-server listening on 127.0.0.1:" << port << std::endl;
 

@@ -48,6 +48,9 @@ public:
     static void filterJSONObjectByQuery(const Poco::JSON::Object& in, const RequestBase& request,
                                         Poco::JSON::Object& out);
     /// Replaces out by in as the render criteria shape it; in and out may be the same object.
+
+    static bool rendersObjects(const RequestBase& request);
+    /// True when the request picks fields or expands named members, so that filtering changes an object.
 };
 
 } // namespace Orvi::Command

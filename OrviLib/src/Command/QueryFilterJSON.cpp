@@ -357,6 +357,11 @@ void QueryFilterJSON::filterRowsByQuery(QueryRows& rows, const RequestBase& requ
     filterRows(rows, request, out, &out_paging);
 }
 
+bool QueryFilterJSON::rendersObjects(const RequestBase& request)
+{
+    return renderCriteriaOf(request).rendersObjects();
+}
+
 void QueryFilterJSON::filterJSONObjectByQuery(const Poco::JSON::Object& in, const RequestBase& request,
                                               Poco::JSON::Object& out)
 {

@@ -245,6 +245,10 @@ private:
     /// when the query needs every object rendered first. With asText, rows may be JSON text (JsonText)
     /// for an answer that is only stringified.
 
+    bool queryObjectText(const Command::RequestBase& request, int expansionLevel, std::string& out_text);
+    /// Writes the object that the request addresses as JSON text from its stored values; false when the
+    /// answer needs its selection (a missing or dangling object, a deeper expansion, fields to pick).
+
     void suspectDanglingReferences();
     /// Marks every element with a reference attribute: an object they may name is gone.
 

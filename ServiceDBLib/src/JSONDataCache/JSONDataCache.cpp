@@ -5,6 +5,7 @@
 #include "Command/StatusObject.h"
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/DBDataToJSONTransformator.h"
+#include "JSONDataCache/JsonText.h"
 #include "JSONDataCache/SortedOrderCache.h"
 #include "JSONDataCache/StoredObjectRows.h"
 #include "JSONTools.h"
@@ -46,6 +47,16 @@ Poco::UUID makeSystemUUID()
     DBData::XObjectBase identity;
     identity.generateId();
     return identity.getId().get();
+}
+
+// The answer of one object: the object as "data" in a new envelope with status.
+void wrapObject(const Poco::Dynamic::Var& object, HttpResponse& out_response)
+{
+    out_response.setMimetype(HttpResponse::MIMETYPE_JSON);
+    Poco::JSON::Object::Ptr envelope(new Poco::JSON::Object(0));
+    envelope->set(StatusObject::FIELD_STATUS, StatusObject::STATUS_OK);
+    envelope->set(ResponseObject::FIELD_DATA, object);
+    out_response.setDataFromObject(envelope);
 }
 
 } // namespace
@@ -369,14 +380,44 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, P
     return true;
 }
 
+bool JSONDataCache::queryObjectText(const RequestBase& request, int expansionLevel, std::string& out_text)
+{
+    if (!m_pagingBeforeRendering || expansionLevel < 0 || Command::QueryFilterJSON::rendersObjects(request))
+    {
+        return false;
+    }
+    const UrlPath& urlPath = request.getUrlPath();
+    const Element::Ptr element = selectElement(urlPath.getService(), urlPath.getResource());
+    const XObject::Ptr stored = m_xobjCache.get(urlPath.getElement());
+    // Whatever is not one of the element's objects is answered, and logged, by the selection.
+    if (element.isNull() || stored.isNull() || stored->getElement().isNull() ||
+        stored->getElement()->getDBID() != element->getDBID())
+    {
+        return false;
+    }
+    const std::vector<DbId> ids{stored->getDBID()};
+    StoredObjectRows row(m_xobjCache, ids, StoredObjectRows::Renderer());
+    row.writeAsText(true, expansionLevel);
+    return row.writeWhole(0, out_text);
+}
+
 template <typename ResponseT>
 HTTPStatus JSONDataCache::queryCacheElement(const RequestBase& request, ResponseT& out_response)
 {
     try
     {
-        XObject xobject{Element::Ptr()};
         const int expansionLevel = getExpansionLevel(request);
+        if constexpr (std::is_same_v<ResponseT, HttpResponse>)
+        {
+            std::string text;
+            if (queryObjectText(request, expansionLevel, text))
+            {
+                wrapObject(JsonText(std::move(text)), out_response);
+                return HTTPStatus::HTTP_OK;
+            }
+        }
 
+        XObject xobject{Element::Ptr()};
         const UrlPath& urlPath = request.getUrlPath();
         if (!selectXObjectByUUID(urlPath.getService(), urlPath.getResource(), urlPath.getElement(), xobject,
                                  expansionLevel, false))
@@ -438,11 +479,7 @@ void JSONDataCache::constructArrayResponse(const Poco::JSON::Object::Ptr&,
 void JSONDataCache::constructObjectResponse(const Poco::JSON::Object::Ptr& pJsonDbObject,
                                             HttpResponse& out_response)
 {
-    out_response.setMimetype(HttpResponse::MIMETYPE_JSON);
-    Poco::JSON::Object::Ptr envelope(new Poco::JSON::Object(0));
-    envelope->set(StatusObject::FIELD_STATUS, StatusObject::STATUS_OK);
-    envelope->set(ResponseObject::FIELD_DATA, pJsonDbObject);
-    out_response.setDataFromObject(envelope);
+    wrapObject(pJsonDbObject, out_response);
 }
 
 void JSONDataCache::constructObjectResponse(const Poco::JSON::Object::Ptr& pJsonDbObject,

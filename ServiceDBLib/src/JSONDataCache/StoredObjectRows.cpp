@@ -145,16 +145,22 @@ Poco::Dynamic::Var StoredObjectRows::render(std::size_t row)
 
 Poco::Dynamic::Var StoredObjectRows::renderWhole(std::size_t row)
 {
-    if (m_asText)
+    std::string text;
+    if (writeWhole(row, text))
     {
-        const DBData::XObject::Ptr stored = m_store.get(m_ids[row]);
-        std::string text;
-        if (!stored.isNull() && writeText(*stored, text))
-        {
-            return JsonText(std::move(text));
-        }
+        return JsonText(std::move(text));
     }
     return render(row);
+}
+
+bool StoredObjectRows::writeWhole(std::size_t row, std::string& out) const
+{
+    if (!m_asText)
+    {
+        return false;
+    }
+    const DBData::XObject::Ptr stored = m_store.get(m_ids[row]);
+    return !stored.isNull() && writeText(*stored, out);
 }
 
 bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out) const

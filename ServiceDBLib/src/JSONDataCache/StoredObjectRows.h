@@ -48,6 +48,10 @@ public:
     /// reference as the identity of the object it names, none of which needs a selection.
     const std::vector<std::size_t>* orderOfAll(const Sortings& sortings) override;
 
+    bool writeWhole(std::size_t row, std::string& out) const;
+    /// Writes the whole row as renderWhole gives it in text; false when the object has to be selected and
+    /// rendered instead, or rows are not given as text.
+
 private:
     const DBData::XObject& object(std::size_t row);
     Poco::Dynamic::Var renderedValue(const DBData::AttributeValue& cell) const;
