@@ -1045,13 +1045,19 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersObjectsForFieldsOrExpansio
 
 TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesEveryByteOfATextAsTheRenderingDoes)
 {
-    insertThings(2);
+    insertThings(3);
     std::string everyByte;
     for (int byte = 1; byte < 256; ++byte)
     {
         everyByte += static_cast<char>(byte);
     }
+    std::string printable;
+    for (char byte = 0x20; byte < 0x7f; ++byte)
+    {
+        printable += byte;
+    }
     stores.write(thingUuid(1), "label", everyByte);
+    stores.write(thingUuid(3), "label", printable);
     stores.write(thingUuid(2), "label", "\xE2\x82\xAC \xF0\x9F\x9A\x97 \x7F");
     stores.write(thingUuid(2), "tags", arrayOf({Var(everyByte), Var("/")}));
     const std::string address = "/yard/things";
@@ -1062,8 +1068,6 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesEveryByteOfATextAsTheRender
     EXPECT_TRUE(actual.body == answer(stores.reference, address).body)
         << firstDifference(actual.body, answer(stores.reference, address).body);
 }
-
-} // namespace
 
 TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesOneObjectWithItsReferencesAsTheTextItsRenderingGives)
 {
@@ -1150,3 +1154,5 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, AnswersAnObjectOfAnotherResourceN
               Strings({"Warning: Can not find element yard/things/" + targetUuid(1),
                        "Warning: Selection of Element \"/yard/things/" + targetUuid(1) + "/\" failed."}));
 }
+
+} // namespace

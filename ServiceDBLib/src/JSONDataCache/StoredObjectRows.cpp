@@ -332,15 +332,21 @@ bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::
 
 void StoredObjectRows::appendString(const std::string& value, std::string& out)
 {
-    // Printable ASCII but the quote, the backslash and the slash stands as it is in JSON text; anything
+    // Printable ASCII stands as it is in JSON text, the quote and the backslash after a backslash; anything
     // else is escaped as the JSON stringifier escapes it.
-    const bool plain =
-        std::all_of(value.begin(), value.end(),
-                    [](char c) { return c >= 0x20 && c <= 0x7e && c != '"' && c != '\\' && c != '/'; });
-    if (plain)
+    const bool printable =
+        std::all_of(value.begin(), value.end(), [](char c) { return c >= 0x20 && c <= 0x7e; });
+    if (printable)
     {
         out += '"';
-        out += value;
+        for (const char c : value)
+        {
+            if (c == '"' || c == '\\')
+            {
+                out += '\\';
+            }
+            out += c;
+        }
         out += '"';
         return;
     }
