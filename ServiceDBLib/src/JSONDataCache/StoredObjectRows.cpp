@@ -183,7 +183,7 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
         const Poco::Dynamic::Var& value = cell->getValue();
         if (cell->getType() != DBData::AttrType_Object && !cell->isArray())
         {
-            members.push_back({&cell->getName(), &value});
+            members.push_back({&cell->getName(), &value, nullptr});
             continue;
         }
         Poco::Dynamic::Var& member = rendered.emplace_back();
@@ -199,7 +199,7 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
         }
         if (present)
         {
-            members.push_back({&cell->getName(), &member});
+            members.push_back({&cell->getName(), &member, nullptr});
         }
     }
     return writeMembers(members, stored, out);
@@ -223,7 +223,8 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
         present = false;
         return true;
     }
-    Poco::JSON::Array::Ptr identities(new Poco::JSON::Array);
+    // Written as the stringifier writes an array: its elements between brackets, separated by commas.
+    std::string identities;
     for (const std::string& uuid : uuids)
     {
         Poco::Dynamic::Var identity;
@@ -234,13 +235,15 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
         }
         if (shown)
         {
-            identities->add(identity);
+            identities += identities.empty() ? '[' : ',';
+            identities += identity.extract<JsonText>().text();
         }
     }
     // An array whose objects all render as nothing is shown as null.
-    if (identities->size() > 0)
+    if (!identities.empty())
     {
-        out = identities;
+        identities += ']';
+        out = JsonText(std::move(identities));
     }
     present = true;
     return true;
@@ -271,7 +274,7 @@ bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var
         {
             return false;
         }
-        members.push_back({&cell->getName(), &cell->getValue()});
+        members.push_back({&cell->getName(), &cell->getValue(), nullptr});
     }
     std::string text;
     if (!writeMembers(members, *target, text))
@@ -300,14 +303,13 @@ bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::
         }
     }
     members.erase(kept, members.end());
-    const std::string& uuid = object.getId().toString();
-    const Poco::Dynamic::Var uuidValue(uuid);
+    const std::string uuid = object.getId().toString();
     const auto id =
         std::lower_bound(members.begin(), members.end(), Command::QueryParameter::KEY_ID,
                          [](const Member& member, const std::string& key) { return *member.name < key; });
     if (id == members.end() || *id->name != Command::QueryParameter::KEY_ID)
     {
-        members.insert(id, {&Command::QueryParameter::KEY_ID, &uuidValue});
+        members.insert(id, {&Command::QueryParameter::KEY_ID, nullptr, &uuid});
     }
     else if (!id->value->isString() || id->value->extract<std::string>() != uuid)
     {
@@ -324,7 +326,14 @@ bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::
         }
         appendString(*member->name, out);
         out += ':';
-        appendValue(*member->value, out);
+        if (member->value != nullptr)
+        {
+            appendValue(*member->value, out);
+        }
+        else
+        {
+            appendString(*member->text, out);
+        }
     }
     out += '}';
     return true;
@@ -361,6 +370,11 @@ void StoredObjectRows::appendValue(const Poco::Dynamic::Var& value, std::string&
     if (value.type() == typeid(std::string))
     {
         appendString(value.extract<std::string>(), out);
+        return;
+    }
+    if (value.type() == typeid(JsonText))
+    {
+        out += value.extract<JsonText>().text();
         return;
     }
     if ((value.isNumeric() || value.isBoolean()) && value.type() != typeid(char))

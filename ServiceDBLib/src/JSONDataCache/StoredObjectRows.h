@@ -57,11 +57,12 @@ private:
     Poco::Dynamic::Var renderedValue(const DBData::AttributeValue& cell) const;
     Poco::Dynamic::Var renderedReference(const std::string& uuid) const;
     static Poco::Dynamic::Var renderedId(const DBData::XObject& object);
-    // A member of an object being written: its name and its value as rendered.
+    // A member of an object being written: its name and its value as rendered, or else a text.
     struct Member
     {
         const std::string* name;
         const Poco::Dynamic::Var* value;
+        const std::string* text;
     };
 
     bool writeText(const DBData::XObject& stored, std::string& out) const;
