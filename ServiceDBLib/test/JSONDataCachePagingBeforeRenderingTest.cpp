@@ -1004,6 +1004,33 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesReferencesAsTheIdentitiesOf
     EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
 }
 
+TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesAnObjectThatRowsNameAgainAndAgainAlikeEachTime)
+{
+    insertThings(3);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.insert(TARGETS, targetUuid(2));
+    stores.write(targetUuid(1), "name", "shared");
+    const Var first(uriOf(TARGETS, targetUuid(1)));
+    for (int thing = 1; thing <= 3; ++thing)
+    {
+        stores.write(thingUuid(thing), "owner", first);
+        stores.write(thingUuid(thing), "links", arrayOf({first, Var(uriOf(TARGETS, targetUuid(2))), first}));
+    }
+    const std::string address = "/yard/things";
+    HttpResponse response;
+
+    ASSERT_EQ(sut.queryCache(makeRequest(address), response, PORT), Status::HTTP_OK);
+
+    EXPECT_EQ(rowFormsOf(response.getJsonMsg()), Strings({"text", "text", "text"}));
+    const std::string shared = "{\"id\":\"" + targetUuid(1) + "\",\"name\":\"shared\",\"uri\":\"" +
+                               uriOf(TARGETS, targetUuid(1)) + "\"}";
+    EXPECT_NE(response.getBody().find("\"links\":[" + shared + "," + reduced(TARGETS, targetUuid(2)) + "," +
+                                      shared + "],\"name\":\"\",\"owner\":" + shared),
+              std::string::npos)
+        << response.getBody();
+    EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
+}
+
 TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceFromItsSelectionBeyondLevelZero)
 {
     insertThings(2);

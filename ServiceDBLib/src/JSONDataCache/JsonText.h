@@ -2,6 +2,7 @@
 
 #include <Poco/Dynamic/VarHolder.h>
 
+#include <memory>
 #include <string>
 #include <typeinfo>
 #include <utility>
@@ -11,18 +12,19 @@ namespace Orvi::JSONDataCache
 
 /// A JSON value already written as compact text. Held in a Var inside a JSON array or object, it is
 /// stringified as this text, so that an answer can carry rows that were never built as JSON objects.
+/// Copies share the text, since a JSON array or object copies each value it is given.
 class JsonText
 {
 public:
     explicit JsonText(std::string text)
-        : m_text(std::move(text))
+        : m_text(std::make_shared<const std::string>(std::move(text)))
     {
     }
 
-    const std::string& text() const { return m_text; }
+    const std::string& text() const { return *m_text; }
 
 private:
-    std::string m_text;
+    std::shared_ptr<const std::string> m_text;
 };
 
 } // namespace Orvi::JSONDataCache

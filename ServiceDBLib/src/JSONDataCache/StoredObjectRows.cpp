@@ -251,6 +251,13 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
 
 bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const
 {
+    const auto known = m_identities.find(uuid);
+    if (known != m_identities.end())
+    {
+        out = known->second;
+        present = !out.isEmpty();
+        return true;
+    }
     // A missing object is left to the selection, which repairs the reference.
     const DBData::XObject::Ptr target = m_store.get(uuid);
     if (target.isNull())
@@ -260,6 +267,7 @@ bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var
     present = !target->getAttributeValues().empty();
     if (!present)
     {
+        m_identities.emplace(uuid, Poco::Dynamic::Var());
         return true;
     }
     std::vector<Member> members;
@@ -282,6 +290,7 @@ bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var
         return false;
     }
     out = JsonText(std::move(text));
+    m_identities.emplace(uuid, out);
     return true;
 }
 

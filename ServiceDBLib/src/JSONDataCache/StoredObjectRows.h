@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvi::JSONDataCache
@@ -82,6 +83,9 @@ private:
     DBData::XObject::Ptr m_object;
     bool m_asText;
     int m_expansion;
+    mutable std::unordered_map<std::string, Poco::Dynamic::Var> m_identities;
+    /// The identities written so far by UUID, empty for an object that renders as nothing. Rows name the
+    /// same objects again and again, and a read changes no identity.
     SortedOrderCache* m_orders;
     DBData::DbId m_element;
     Poco::UInt64 m_version;
