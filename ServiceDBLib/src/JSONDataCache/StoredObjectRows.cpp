@@ -12,7 +12,6 @@
 #include <Poco/JSON/Stringifier.h>
 
 #include <algorithm>
-#include <deque>
 #include <iterator>
 #include <numeric>
 #include <sstream>
@@ -172,8 +171,10 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
     }
     std::vector<Member> members;
     members.reserve(cells.size() + 1);
-    // Rendered values live here while their members point at them.
-    std::deque<Poco::Dynamic::Var> rendered;
+    // Rendered values live here while their members point at them; one at most for each cell, so that
+    // the vector never moves them.
+    std::vector<Poco::Dynamic::Var> rendered;
+    rendered.reserve(cells.size());
     for (const DBData::AttributeValuePtr& cell : cells)
     {
         if (cell.isNull() || cell->getAttribute().isNull() || !cell->hasValue())
@@ -184,6 +185,20 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
         if (cell->getType() != DBData::AttrType_Object && !cell->isArray())
         {
             members.push_back({&cell->getName(), &value, nullptr});
+            continue;
+        }
+        // Beyond the first level a reference renders as more than its identity.
+        if (cell->getType() == DBData::AttrType_Object && !cell->isArray() && m_expansion == 0)
+        {
+            const Poco::Dynamic::Var* identity = writeIdentity(value.extract<std::string>());
+            if (identity == nullptr)
+            {
+                return false;
+            }
+            if (!identity->isEmpty())
+            {
+                members.push_back({&cell->getName(), identity, nullptr});
+            }
             continue;
         }
         Poco::Dynamic::Var& member = rendered.emplace_back();
@@ -213,10 +228,6 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
     {
         return false;
     }
-    if (!cell.isArray())
-    {
-        return writeIdentity(cell.getValue().extract<std::string>(), out, present);
-    }
     std::vector<std::string> uuids;
     if (!extractUuidList(cell.getValue(), uuids) || uuids.empty())
     {
@@ -227,16 +238,15 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
     std::string identities;
     for (const std::string& uuid : uuids)
     {
-        Poco::Dynamic::Var identity;
-        bool shown = false;
-        if (!writeIdentity(uuid, identity, shown))
+        const Poco::Dynamic::Var* identity = writeIdentity(uuid);
+        if (identity == nullptr)
         {
             return false;
         }
-        if (shown)
+        if (!identity->isEmpty())
         {
             identities += identities.empty() ? '[' : ',';
-            identities += identity.extract<JsonText>().text();
+            identities += identity->extract<JsonText>().text();
         }
     }
     // An array whose objects all render as nothing is shown as null.
@@ -249,26 +259,22 @@ bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco:
     return true;
 }
 
-bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const
+const Poco::Dynamic::Var* StoredObjectRows::writeIdentity(const std::string& uuid) const
 {
     const auto known = m_identities.find(uuid);
     if (known != m_identities.end())
     {
-        out = known->second;
-        present = !out.isEmpty();
-        return true;
+        return &known->second;
     }
     // A missing object is left to the selection, which repairs the reference.
     const DBData::XObject::Ptr target = m_store.get(uuid);
     if (target.isNull())
     {
-        return false;
+        return nullptr;
     }
-    present = !target->getAttributeValues().empty();
-    if (!present)
+    if (target->getAttributeValues().empty())
     {
-        m_identities.emplace(uuid, Poco::Dynamic::Var());
-        return true;
+        return &m_identities.emplace(uuid, Poco::Dynamic::Var()).first->second;
     }
     std::vector<Member> members;
     for (const DBData::AttributeValuePtr& cell : target->getAttributeValues())
@@ -280,18 +286,16 @@ bool StoredObjectRows::writeIdentity(const std::string& uuid, Poco::Dynamic::Var
         }
         if (cell->getType() == DBData::AttrType_Object || cell->isArray())
         {
-            return false;
+            return nullptr;
         }
         members.push_back({&cell->getName(), &cell->getValue(), nullptr});
     }
     std::string text;
     if (!writeMembers(members, *target, text))
     {
-        return false;
+        return nullptr;
     }
-    out = JsonText(std::move(text));
-    m_identities.emplace(uuid, out);
-    return true;
+    return &m_identities.emplace(uuid, JsonText(std::move(text))).first->second;
 }
 
 bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::XObject& object,
@@ -300,8 +304,17 @@ bool StoredObjectRows::writeMembers(std::vector<Member>& members, const DBData::
     // As a JSON object holds them: sorted by name, a later member of a name replacing an earlier one,
     // "id" from the UUID when no member gives it. An "id" that differs from the UUID is left to the
     // rendering, which refuses it.
-    std::stable_sort(members.begin(), members.end(),
-                     [](const Member& a, const Member& b) { return *a.name < *b.name; });
+    // An insertion sort keeps equal names in order and needs no buffer; an object has a few members.
+    for (auto member = members.begin(); member != members.end(); ++member)
+    {
+        const Member moving = *member;
+        auto place = member;
+        for (; place != members.begin() && *moving.name < *std::prev(place)->name; --place)
+        {
+            *place = *std::prev(place);
+        }
+        *place = moving;
+    }
     auto kept = members.begin();
     for (auto member = members.begin(); member != members.end(); ++member)
     {

@@ -68,9 +68,12 @@ private:
 
     bool writeText(const DBData::XObject& stored, std::string& out) const;
     bool writeReferences(const DBData::AttributeValue& cell, Poco::Dynamic::Var& out, bool& present) const;
-    bool writeIdentity(const std::string& uuid, Poco::Dynamic::Var& out, bool& present) const;
     static bool writeMembers(std::vector<Member>& members, const DBData::XObject& object, std::string& out);
     /// Each gives false when the object has to be rendered from its selection instead.
+
+    const Poco::Dynamic::Var* writeIdentity(const std::string& uuid) const;
+    /// The identity of the object as JSON text, empty when it renders as nothing; null when the reference
+    /// has to be rendered from its selection instead.
 
     static void appendString(const std::string& value, std::string& out);
     static void appendValue(const Poco::Dynamic::Var& value, std::string& out);
