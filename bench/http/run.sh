@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Side-by-side HTTP benchmark: the example server against json-server (the same tracks), for reads and
 # writes, and for the reads also against a POCO server that sends a fixed body of the same size (the
-# ceiling of the HTTP stack). Everything runs on 127.0.0.1 and every process started here is stopped on
-# exit.
+# ceiling of the HTTP stack) and the same server handing each answer to one worker thread (the ceiling of
+# our threading model). Everything runs on 127.0.0.1 and every process started here is stopped on exit.
 #
 # Usage: bash bench/http/run.sh [TRACKS]          (default 10000)
 # Settings from the environment:
@@ -220,8 +220,9 @@ peer_path[page]="/tracks?_limit=20"
 peer_path[sorted]="/tracks?_sort=year&_order=desc&_limit=20"
 peer_path[search]="/tracks?genre=rock"
 
-# 5. one fixed-body server per answer of ours, each with exactly that answer's bytes
-declare -A fixed
+# 5. one fixed-body server per answer of ours, each with exactly that answer's bytes, and one that hands
+# each answer to a worker thread as ours does: the ceiling of that threading model
+declare -A fixed hand_off
 for kind in "${kinds[@]}"; do
     if ! curl -sf -o "$work/body-$kind.json" "$ours${ours_path[$kind]}"; then
         echo "GET $ours${ours_path[$kind]} failed" >&2
@@ -231,6 +232,10 @@ for kind in "${kinds[@]}"; do
     start_server "fixed-body-$kind" "$fixed_body_server" "$port" "$work/body-$kind.json"
     fixed[$kind]="http://127.0.0.1:$port"
     wait_until_answers "${fixed[$kind]}/" "$started_pid" "fixed-body-$kind"
+    port="$(free_port)"
+    start_server "hand-off-$kind" "$fixed_body_server" --hand-off "$port" "$work/body-$kind.json"
+    hand_off[$kind]="http://127.0.0.1:$port"
+    wait_until_answers "${hand_off[$kind]}/" "$started_pid" "hand-off-$kind"
 done
 
 # 6. the runs
@@ -238,6 +243,7 @@ for kind in "${kinds[@]}"; do
     run_wrk "$kind" servicedb "$ours${ours_path[$kind]}"
     run_wrk "$kind" json-server "$peer${peer_path[$kind]}"
     run_wrk "$kind" fixed-body "${fixed[$kind]}${ours_path[$kind]}"
+    run_wrk "$kind" hand-off "${hand_off[$kind]}${ours_path[$kind]}"
 done
 
 # The writes: an attribute of one track changed (our POST on the object, json-server's PATCH), and a
@@ -264,7 +270,7 @@ echo "wrk -t$wrk_threads -c$wrk_connections -d$wrk_duration, $tracks tracks, $(n
 row_format="%-7s %-12s %10s %9s %9s %9s %7s %12s\n"
 printf "$row_format" request server "req/s" "p50 ms" "p99 ms" bytes errors "ours/server"
 for kind in "${kinds[@]}" update create delete; do
-    for server in servicedb json-server fixed-body; do
+    for server in servicedb json-server fixed-body hand-off; do
         [ -n "${rps[$kind,$server]:-}" ] || continue
         ratio="-"
         if [ "$server" != servicedb ] && [ "${rps[$kind,$server]:-0}" -gt 0 ]; then
