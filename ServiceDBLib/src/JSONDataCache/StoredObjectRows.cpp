@@ -188,7 +188,11 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
             continue;
         }
         // Beyond the first level a reference renders as more than its identity.
-        if (cell->getType() == DBData::AttrType_Object && !cell->isArray() && m_expansion == 0)
+        if (cell->getType() == DBData::AttrType_Object && m_expansion != 0)
+        {
+            return false;
+        }
+        if (cell->getType() == DBData::AttrType_Object && !cell->isArray())
         {
             const Poco::Dynamic::Var* identity = writeIdentity(value.extract<std::string>());
             if (identity == nullptr)
@@ -223,11 +227,6 @@ bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out
 bool StoredObjectRows::writeReferences(const DBData::AttributeValue& cell, Poco::Dynamic::Var& out,
                                        bool& present) const
 {
-    // Beyond the first level a reference renders as more than its identity.
-    if (m_expansion != 0)
-    {
-        return false;
-    }
     std::vector<std::string> uuids;
     if (!extractUuidList(cell.getValue(), uuids) || uuids.empty())
     {

@@ -68,6 +68,7 @@ private:
 
     bool writeText(const DBData::XObject& stored, std::string& out) const;
     bool writeReferences(const DBData::AttributeValue& cell, Poco::Dynamic::Var& out, bool& present) const;
+    /// Writes an array of references at level 0 as the identities of the objects they name.
     static bool writeMembers(std::vector<Member>& members, const DBData::XObject& object, std::string& out);
     /// Each gives false when the object has to be rendered from its selection instead.
 
