@@ -2,11 +2,47 @@
 
 #include "Http/HTTPEncoderDecoder.h"
 
-#include <sstream>
+#include <ostream>
+#include <streambuf>
 #include <utility>
 
 namespace Orvi::Command
 {
+
+namespace
+{
+
+// Appends what a stream writes to a string: a large body grows in place and is not copied out of a
+// buffer of its own at the end.
+class AppendingBuffer : public std::streambuf
+{
+public:
+    explicit AppendingBuffer(std::string& out)
+        : m_out(out)
+    {
+    }
+
+protected:
+    int_type overflow(int_type c) override
+    {
+        if (!traits_type::eq_int_type(c, traits_type::eof()))
+        {
+            m_out.push_back(traits_type::to_char_type(c));
+        }
+        return traits_type::not_eof(c);
+    }
+
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override
+    {
+        m_out.append(bytes, static_cast<std::size_t>(count));
+        return count;
+    }
+
+private:
+    std::string& m_out;
+};
+
+} // namespace
 
 const std::string HttpResponse::MIMETYPE_JSON = "application/json; charset=utf-8";
 const std::string HttpResponse::FIELD_LOCATION = "Location";
@@ -54,9 +90,11 @@ std::string HttpResponse::getBody() const
     {
         return m_textMsg;
     }
-    std::ostringstream body;
-    m_jsonMsg->stringify(body);
-    return body.str();
+    std::string body;
+    AppendingBuffer buffer(body);
+    std::ostream out(&buffer);
+    m_jsonMsg->stringify(out);
+    return body;
 }
 
 void HttpResponse::renderBody()
@@ -77,7 +115,9 @@ void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTP
         response.set(FIELD_LOCATION, m_location);
     }
 
-    std::string bytes;
+    // A rendered body is sent as it is held, without a copy.
+    std::string written;
+    const std::string* bytes = &m_textMsg;
     // An empty answer stays empty: compressing nothing would still produce a coding header.
     if (hasContent())
     {
@@ -85,22 +125,28 @@ void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTP
         {
             response.setContentType(m_mimetype);
         }
-        bytes = coder.encodeBody(getBody());
+        if (!m_jsonMsg.isNull())
+        {
+            written = getBody();
+            bytes = &written;
+        }
         if (coder.isEncodingResponse())
         {
+            written = coder.encodeBody(*bytes);
+            bytes = &written;
             response.set(Orvi::Net::HTTPEncoderDecoder::FIELD_CONTENT_ENCODING, coder.contentEncoding());
         }
     }
 
     response.setChunkedTransferEncoding(false);
-    response.setContentLength64(static_cast<Poco::Int64>(bytes.size()));
+    response.setContentLength64(static_cast<Poco::Int64>(bytes->size()));
     if (headOnly)
     {
         // send() writes the headers only; sendBuffer() would replace Content-Length by the bytes given.
         response.send();
         return;
     }
-    response.sendBuffer(bytes.data(), bytes.size());
+    response.sendBuffer(bytes->data(), bytes->size());
 }
 
 HttpResponse HttpResponse::createStatusOk(HTTPStatus status)

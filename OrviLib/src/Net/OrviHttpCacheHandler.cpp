@@ -9,7 +9,9 @@ HTTPCacheHandler::CacheRequestResult
 OrviHttpCacheHandler::handleRequest(const Poco::Net::HTTPRequest& request, Poco::Net::HTTPResponse& response,
                                     const Orvi::Command::HttpResponse& answer)
 {
-    const std::string etag = HTTPCacheHandler::computeETag(answer.getBody());
+    // A rendered body is tagged as it is held, without a copy.
+    const std::string etag = answer.getJsonMsg().isNull() ? HTTPCacheHandler::computeETag(answer.getTextMsg())
+                                                          : HTTPCacheHandler::computeETag(answer.getBody());
     response.set(HTTPCacheHandler::FIELD_ETAG, etag);
     if (!HTTPCacheHandler::matchesIfNoneMatch(request, etag))
     {
