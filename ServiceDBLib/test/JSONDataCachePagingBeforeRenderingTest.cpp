@@ -1031,6 +1031,63 @@ TEST_F(JSONDataCachePagingBeforeRenderingTest, WritesAnObjectThatRowsNameAgainAn
     EXPECT_EQ(response.getBody(), answer(stores.reference, address).body);
 }
 
+TEST_F(JSONDataCachePagingBeforeRenderingTest, ShowsTheNewNameOfANamedObjectInRowsWrittenBeforeTheChange)
+{
+    insertThings(2);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(targetUuid(1), "name", "before");
+    stores.write(thingUuid(1), "owner", uriOf(TARGETS, targetUuid(1)));
+    stores.write(thingUuid(2), "links", arrayOf({Var(uriOf(TARGETS, targetUuid(1)))}));
+    const std::string address = "/yard/things";
+    ASSERT_NE(answer(sut, address).body.find("\"before\""), std::string::npos);
+
+    stores.write(targetUuid(1), "name", "after");
+    const Answer actual = answer(sut, address);
+
+    EXPECT_EQ(actual.body.find("\"before\""), std::string::npos) << actual.body;
+    EXPECT_NE(actual.body.find("\"links\":[{\"id\":\"" + targetUuid(1) + "\",\"name\":\"after\""),
+              std::string::npos)
+        << actual.body;
+    EXPECT_EQ(actual.body, answer(stores.reference, address).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, ShowsTheNewValueOfAnObjectInItsRowAndAnswerWrittenBefore)
+{
+    insertThings(2);
+    stores.write(thingUuid(1), "count", 5);
+    const std::string rows = "/yard/things?$limit=1";
+    const std::string object = uriOf(THINGS, thingUuid(1));
+    ASSERT_NE(answer(sut, rows).body.find("\"count\":5"), std::string::npos);
+    ASSERT_NE(answer(sut, object).body.find("\"count\":5"), std::string::npos);
+
+    stores.write(thingUuid(1), "count", 6);
+    const Answer rowsAfter = answer(sut, rows);
+    const Answer objectAfter = answer(sut, object);
+
+    EXPECT_NE(rowsAfter.body.find("\"count\":6"), std::string::npos) << rowsAfter.body;
+    EXPECT_EQ(rowsAfter.body, answer(stores.reference, rows).body);
+    EXPECT_EQ(objectAfter.body, "{\"data\":{\"count\":6,\"id\":\"" + thingUuid(1) +
+                                    "\",\"name\":\"\",\"uri\":\"" + object + "\"},\"status\":\"ok\"}");
+    EXPECT_EQ(objectAfter.body, answer(stores.reference, object).body);
+}
+
+TEST_F(JSONDataCachePagingBeforeRenderingTest, GivesTheSameRowsAgainWhileTheStoreStaysUnchanged)
+{
+    insertThings(3);
+    stores.insert(TARGETS, targetUuid(1));
+    stores.write(thingUuid(2), "owner", uriOf(TARGETS, targetUuid(1)));
+    stores.write(thingUuid(3), "label", "Green");
+    const std::string address = "/yard/things?$sortby=label";
+    const Answer first = answer(sut, address);
+
+    const Answer second = answer(sut, address);
+    const Answer searched = answer(sut, "/yard/things?label=Green");
+
+    EXPECT_EQ(second.body, first.body);
+    EXPECT_EQ(first.body, answer(stores.reference, address).body);
+    EXPECT_EQ(searched.body, answer(stores.reference, "/yard/things?label=Green").body);
+}
+
 TEST_F(JSONDataCachePagingBeforeRenderingTest, RendersAnObjectWithAReferenceFromItsSelectionBeyondLevelZero)
 {
     insertThings(2);

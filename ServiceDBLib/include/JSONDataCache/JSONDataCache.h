@@ -30,6 +30,7 @@
 namespace Orvi::JSONDataCache
 {
 
+class RowTextCache;
 class SortedOrderCache;
 
 /// The in-memory database of one microservice and its query engine. Holds the service rows by
@@ -245,8 +246,9 @@ private:
     /// when the query needs every object rendered first. With asText, rows may be JSON text (JsonText)
     /// for an answer that is only stringified.
 
-    bool queryObjectText(const Command::RequestBase& request, int expansionLevel, std::string& out_text);
-    /// Writes the object that the request addresses as JSON text from its stored values; false when the
+    bool queryObjectText(const Command::RequestBase& request, int expansionLevel,
+                         Poco::Dynamic::Var& out_text);
+    /// Gives the object that the request addresses as JSON text from its stored values; false when the
     /// answer needs its selection (a missing or dangling object, a deeper expansion, fields to pick).
 
     void suspectDanglingReferences();
@@ -263,6 +265,8 @@ private:
     /// answers select every object until a selection of all of them has done so.
     std::unique_ptr<SortedOrderCache> m_sortedOrders;
     /// Sorted orders of whole elements, kept while their elements stay unchanged.
+    std::unique_ptr<RowTextCache> m_rowTexts;
+    /// Objects written as rows, kept while the store stays unchanged.
 };
 
 const Poco::RegularExpression& findWildCard();

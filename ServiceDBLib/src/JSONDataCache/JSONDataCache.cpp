@@ -6,6 +6,7 @@
 #include "JSONDataCache/DBData/UUID.h"
 #include "JSONDataCache/DBDataToJSONTransformator.h"
 #include "JSONDataCache/JsonText.h"
+#include "JSONDataCache/RowTextCache.h"
 #include "JSONDataCache/SortedOrderCache.h"
 #include "JSONDataCache/StoredObjectRows.h"
 #include "JSONTools.h"
@@ -14,6 +15,7 @@
 #include <Poco/Exception.h>
 #include <Poco/URI.h>
 
+#include <optional>
 #include <type_traits>
 
 namespace Orvi::JSONDataCache
@@ -41,6 +43,8 @@ const char* const INVALID_ELEMENTS_DATA = "invalid format of elements-data.";
 
 // Enough for a few sorted lists paged at a time; an order costs a word per object of its element.
 constexpr std::size_t SORTED_ORDERS_KEPT = 4;
+// Room for the rows of a few large searches; a text costs about half a kilobyte.
+constexpr std::size_t ROW_TEXT_BYTES = 8 * 1024 * 1024;
 
 Poco::UUID makeSystemUUID()
 {
@@ -67,6 +71,7 @@ JSONDataCache::JSONDataCache(DBData::ServiceMap& serviceCache)
     , m_systemUUID(makeSystemUUID())
     , m_pagingBeforeRendering(true)
     , m_sortedOrders(new SortedOrderCache(SORTED_ORDERS_KEPT))
+    , m_rowTexts(new RowTextCache(ROW_TEXT_BYTES))
 {
 }
 
@@ -372,6 +377,7 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, P
                               return Poco::Dynamic::Var(rendered);
                           });
     rows.writeAsText(asText, expansionLevel);
+    rows.keepTexts(*m_rowTexts);
     if (!searched)
     {
         rows.rememberOrders(*m_sortedOrders, element->getDBID(), element->getVersion());
@@ -380,7 +386,8 @@ bool JSONDataCache::queryResourceRows(const RequestBase& request, bool asText, P
     return true;
 }
 
-bool JSONDataCache::queryObjectText(const RequestBase& request, int expansionLevel, std::string& out_text)
+bool JSONDataCache::queryObjectText(const RequestBase& request, int expansionLevel,
+                                    Poco::Dynamic::Var& out_text)
 {
     if (!m_pagingBeforeRendering || expansionLevel < 0 || Command::QueryFilterJSON::rendersObjects(request))
     {
@@ -398,7 +405,14 @@ bool JSONDataCache::queryObjectText(const RequestBase& request, int expansionLev
     const std::vector<DbId> ids{stored->getDBID()};
     StoredObjectRows row(m_xobjCache, ids, StoredObjectRows::Renderer());
     row.writeAsText(true, expansionLevel);
-    return row.writeWhole(0, out_text);
+    row.keepTexts(*m_rowTexts);
+    std::optional<JsonText> text = row.wholeText(0);
+    if (!text)
+    {
+        return false;
+    }
+    out_text = *text;
+    return true;
 }
 
 template <typename ResponseT>
@@ -409,10 +423,10 @@ HTTPStatus JSONDataCache::queryCacheElement(const RequestBase& request, Response
         const int expansionLevel = getExpansionLevel(request);
         if constexpr (std::is_same_v<ResponseT, HttpResponse>)
         {
-            std::string text;
+            Poco::Dynamic::Var text;
             if (queryObjectText(request, expansionLevel, text))
             {
-                wrapObject(JsonText(std::move(text)), out_response);
+                wrapObject(text, out_response);
                 return HTTPStatus::HTTP_OK;
             }
         }

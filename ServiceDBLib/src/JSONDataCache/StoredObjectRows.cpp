@@ -36,6 +36,8 @@ StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store,
     , m_row(NO_ROW)
     , m_asText(false)
     , m_expansion(0)
+    , m_texts(nullptr)
+    , m_textLength(0)
     , m_orders(nullptr)
     , m_element(DBData::aDBTableEntry::INVALID_DBID)
     , m_version(0)
@@ -55,6 +57,11 @@ void StoredObjectRows::writeAsText(bool enabled, int expansion)
 {
     m_asText = enabled;
     m_expansion = expansion;
+}
+
+void StoredObjectRows::keepTexts(RowTextCache& texts)
+{
+    m_texts = &texts;
 }
 
 const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sortings)
@@ -144,22 +151,43 @@ Poco::Dynamic::Var StoredObjectRows::render(std::size_t row)
 
 Poco::Dynamic::Var StoredObjectRows::renderWhole(std::size_t row)
 {
-    std::string text;
-    if (writeWhole(row, text))
+    if (std::optional<JsonText> text = wholeText(row))
     {
-        return JsonText(std::move(text));
+        return *text;
     }
     return render(row);
 }
 
-bool StoredObjectRows::writeWhole(std::size_t row, std::string& out) const
+std::optional<JsonText> StoredObjectRows::wholeText(std::size_t row)
 {
     if (!m_asText)
     {
-        return false;
+        return std::nullopt;
     }
-    const DBData::XObject::Ptr stored = m_store.get(m_ids[row]);
-    return !stored.isNull() && writeText(*stored, out);
+    // Deeper levels write the same text for an object without references only; they are not kept.
+    RowTextCache* const texts = m_expansion == 0 ? m_texts : nullptr;
+    const Poco::UInt64 storeVersion = DBData::Element::latestVersion();
+    if (texts != nullptr)
+    {
+        if (const JsonText* kept = texts->find(m_ids[row], storeVersion))
+        {
+            return *kept;
+        }
+    }
+    const DBData::XObject& stored = object(row);
+    std::string out;
+    out.reserve(m_textLength + m_textLength / 4);
+    if (!writeText(stored, out))
+    {
+        return std::nullopt;
+    }
+    m_textLength = out.size();
+    JsonText text(std::move(out));
+    if (texts != nullptr)
+    {
+        texts->keep(stored.getDBID(), storeVersion, text);
+    }
+    return text;
 }
 
 bool StoredObjectRows::writeText(const DBData::XObject& stored, std::string& out) const

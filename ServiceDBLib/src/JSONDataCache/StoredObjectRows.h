@@ -3,9 +3,12 @@
 #include "Command/QueryRows.h"
 #include "JSONDataCache/DBData/XObject.h"
 #include "JSONDataCache/DBData/XObjectCache.h"
+#include "JSONDataCache/JsonText.h"
+#include "JSONDataCache/RowTextCache.h"
 #include "JSONDataCache/SortedOrderCache.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -47,10 +50,14 @@ public:
     /// Gives whole rows as JSON text (JsonText) written from the stored values, for answers that are
     /// sent as text and expanded to this level: an object renders as its values, and at level 0 a
     /// reference as the identity of the object it names, none of which needs a selection.
+
+    void keepTexts(RowTextCache& texts);
+    /// Takes the texts of rows at level 0 from the cache, and keeps there those it writes.
+
     const std::vector<std::size_t>* orderOfAll(const Sortings& sortings) override;
 
-    bool writeWhole(std::size_t row, std::string& out) const;
-    /// Writes the whole row as renderWhole gives it in text; false when the object has to be selected and
+    std::optional<JsonText> wholeText(std::size_t row);
+    /// The whole row as renderWhole gives it in text; none when the object has to be selected and
     /// rendered instead, or rows are not given as text.
 
 private:
@@ -90,6 +97,9 @@ private:
     mutable std::unordered_map<std::string, Poco::Dynamic::Var> m_identities;
     /// The identities written so far by UUID, empty for an object that renders as nothing. Rows name the
     /// same objects again and again, and a read changes no identity.
+    RowTextCache* m_texts;
+    std::size_t m_textLength;
+    /// The length of the text written last: rows of one answer are much alike.
     SortedOrderCache* m_orders;
     DBData::DbId m_element;
     Poco::UInt64 m_version;

@@ -106,6 +106,10 @@ public:
     /// the element's objects can tell whether it is still current. No two elements of the process ever
     /// show the same version.
 
+    static Poco::UInt64 latestVersion();
+    /// The version given last to any element of the process: while it stays, no object of any element
+    /// has changed.
+
 private:
     std::string name;
     Resource& parent;

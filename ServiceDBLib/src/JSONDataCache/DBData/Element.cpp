@@ -18,10 +18,11 @@ namespace
 {
 
 // One sequence for all elements, so that a version never names the state of two elements.
+std::atomic<Poco::UInt64> lastVersion{0};
+
 Poco::UInt64 nextVersion()
 {
-    static std::atomic<Poco::UInt64> last{0};
-    return ++last;
+    return ++lastVersion;
 }
 
 } // namespace
@@ -33,6 +34,11 @@ Element::Element(Resource& owner)
 }
 
 Element::~Element() = default;
+
+Poco::UInt64 Element::latestVersion()
+{
+    return lastVersion.load();
+}
 
 void Element::setAttributes(const AttributeMap& newAttributes)
 {
