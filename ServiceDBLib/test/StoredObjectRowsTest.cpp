@@ -163,3 +163,30 @@ TEST_F(StoredObjectRowsTest, RendersOnlyTheObjectOfTheRowAskedFor)
     EXPECT_TRUE(sut.isObject(0));
     EXPECT_EQ(sut.size(), 1U);
 }
+
+TEST_F(StoredObjectRowsTest, GivesTheLastCellOfANameAsTheRenderedObjectHoldsIt)
+{
+    XObject::Ptr car = m_cache.store().get(CAR);
+    const AttributeValuePtr brand = car->getValue("brand");
+    AttributeValuePtr later(new AttributeValue(m_car, brand->getAttribute(), 900));
+    later->setValue(Var("Saab"), false);
+    car->getAttributeValues().push_back(later);
+    StoredObjectRows sut = rowsOfTheCar();
+
+    EXPECT_EQ(text(sut.member(0, "brand")), R"(["Saab"])");
+}
+
+TEST_F(StoredObjectRowsTest, GivesTheUuidAsIdWhenTheLastIdCellIsEmpty)
+{
+    XObject::Ptr car = m_cache.store().get(CAR);
+    const AttributeValuePtr id = car->getValue("id");
+    AttributeValuePtr written(new AttributeValue(m_car, id->getAttribute(), 901));
+    written->setValue(Var("other"), false);
+    AttributeValuePtr empty(new AttributeValue(m_car, id->getAttribute(), 902));
+    car->getAttributeValues().push_back(written);
+    car->getAttributeValues().push_back(empty);
+    StoredObjectRows sut = rowsOfTheCar();
+
+    EXPECT_EQ(text(sut.member(0, "id")), "[\"" + CAR + "\"]");
+    EXPECT_EQ(text(sut.member(0, "brand")), R"(["Volvo"])");
+}

@@ -217,6 +217,7 @@ TEST(XObjectCache, FindsAnObjectByIdAndByUuidAsOneObject)
     EXPECT_TRUE(sut.exists(FIRST_UUID));
     EXPECT_EQ(sut.get(DbId(1)).get(), sut.get(Poco::UUID(FIRST_UUID)).get());
     EXPECT_EQ(sut.get(DbId(1)).get(), sut.get(FIRST_UUID).get());
+    EXPECT_EQ(sut.find(DbId(1)), sut.get(FIRST_UUID).get());
 }
 
 TEST(XObjectCache, RefusesAnObjectWithoutId)
@@ -324,6 +325,7 @@ TEST(XObjectCache, GivesNullOrFalseForUnknownObjects)
     EXPECT_TRUE(sut.get(DbId(2)).isNull());
     EXPECT_TRUE(sut.get(Poco::UUID(SECOND_UUID)).isNull());
     EXPECT_TRUE(sut.get(SECOND_UUID).isNull());
+    EXPECT_EQ(sut.find(DbId(2)), nullptr);
     EXPECT_FALSE(sut.get(DbId(2), target, true));
     EXPECT_FALSE(sut.get(SECOND_UUID, target, true));
     EXPECT_EQ(target.getName(), "untouched");

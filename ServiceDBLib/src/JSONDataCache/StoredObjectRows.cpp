@@ -34,6 +34,7 @@ StoredObjectRows::StoredObjectRows(const DBData::XObjectCache& store,
     , m_ids(ids)
     , m_renderer(std::move(renderer))
     , m_row(NO_ROW)
+    , m_object(nullptr)
     , m_asText(false)
     , m_expansion(0)
     , m_texts(nullptr)
@@ -86,10 +87,10 @@ const DBData::XObject& StoredObjectRows::object(std::size_t row)
     // Search and sort read several members of one row in turn.
     if (row != m_row)
     {
-        m_object = m_store.get(m_ids[row]);
+        m_object = m_store.find(m_ids[row]);
         m_row = row;
     }
-    if (m_object.isNull())
+    if (m_object == nullptr)
     {
         poco_bugcheck_msg("An object of the resource is missing from the store");
     }
@@ -99,22 +100,25 @@ const DBData::XObject& StoredObjectRows::object(std::size_t row)
 Poco::Dynamic::Var StoredObjectRows::member(std::size_t row, const std::string& key)
 {
     const DBData::XObject& stored = object(row);
-    Poco::Dynamic::Var result;
-    bool found = false;
-    // A later cell of the same name would replace an earlier one in the rendered object.
-    for (const DBData::AttributeValuePtr& cell : stored.getAttributeValues())
+    // The last cell of the name is the one the rendered object holds.
+    const DBData::AttributeValueList& cells = stored.getAttributeValues();
+    for (auto cell = cells.rbegin(); cell != cells.rend(); ++cell)
     {
-        if (!cell.isNull() && !cell->getAttribute().isNull() && cell->getName() == key)
+        if (!cell->isNull() && !(*cell)->getAttribute().isNull() && (*cell)->getName() == key)
         {
-            result = renderedValue(*cell);
-            found = !result.isEmpty();
+            Poco::Dynamic::Var result = renderedValue(**cell);
+            if (result.isEmpty() && key == Command::QueryParameter::KEY_ID)
+            {
+                break;
+            }
+            return result;
         }
     }
-    if (!found && key == Command::QueryParameter::KEY_ID)
+    if (key == Command::QueryParameter::KEY_ID)
     {
         return stored.getId().toString();
     }
-    return result;
+    return {};
 }
 
 bool StoredObjectRows::anyMember(std::size_t row, const MemberTest& test)

@@ -91,7 +91,7 @@ private:
     const std::vector<DBData::XObjectId>& m_ids;
     Renderer m_renderer;
     std::size_t m_row;
-    DBData::XObject::Ptr m_object;
+    const DBData::XObject* m_object;
     bool m_asText;
     int m_expansion;
     mutable std::unordered_map<std::string, Poco::Dynamic::Var> m_identities;

@@ -55,6 +55,10 @@ public:
     XObject::Ptr get(const std::string& uuid) const;
     /// The stored object itself, shared; null when there is none or the text is not a UUID.
 
+    const XObject* find(DbId id) const;
+    /// The stored object itself, or null; valid until the store changes. Reads of many objects in turn
+    /// pay no share count.
+
     bool updateValue(const DbId& xObjId, const DbId& avalId, const Poco::Dynamic::Var& value);
     /// Assigns the value, unconverted and unchecked, to the first cell of that id in the object. False
     /// when the object or the cell is not found.

@@ -122,6 +122,12 @@ XObject::Ptr XObjectCache::get(DbId id) const
     return found == m_idMap.end() ? XObject::Ptr() : found->second;
 }
 
+const XObject* XObjectCache::find(DbId id) const
+{
+    const auto found = m_idMap.find(id);
+    return found == m_idMap.end() ? nullptr : found->second.get();
+}
+
 XObject::Ptr XObjectCache::get(const Poco::UUID& uuid) const
 {
     const auto found = m_uuidMap.find(uuid);
