@@ -296,8 +296,10 @@ void BM_ObjectStoreGetSortedPageOf20(benchmark::State& state)
                       });
 }
 
-// The same page, with one object's mileage changed before each request: the order cannot be kept.
-void BM_ObjectStoreGetSortedPageOf20AfterAChange(benchmark::State& state)
+// Fills a fleet of state.range(0) objects and, in every iteration, changes one object's mileage before it
+// answers the address made for that count: nothing kept for an earlier answer can serve.
+template <typename AddressOf>
+void answerEachAfterAChange(benchmark::State& state, AddressOf addressOf)
 {
     const std::int64_t count = state.range(0);
     Fleet fleet;
@@ -306,9 +308,7 @@ void BM_ObjectStoreGetSortedPageOf20AfterAChange(benchmark::State& state)
         state.SkipWithError("an insertion was refused");
         return;
     }
-    const Orvi::Command::RequestBase request =
-        requestFor("/" + SERVICE + "/" + RESOURCE + "?$sortby=-mileage&$offset=" + std::to_string(count / 2) +
-                   "&$limit=20");
+    const Orvi::Command::RequestBase request = requestFor(addressOf(count));
     double mileage = 0;
     for (auto _ : state)
     {
@@ -327,6 +327,17 @@ void BM_ObjectStoreGetSortedPageOf20AfterAChange(benchmark::State& state)
         response.renderBody();
         benchmark::DoNotOptimize(response.getTextMsg().data());
     }
+}
+
+// The same page, with one object's mileage changed before each request: the order cannot be kept.
+void BM_ObjectStoreGetSortedPageOf20AfterAChange(benchmark::State& state)
+{
+    answerEachAfterAChange(state,
+                           [](std::int64_t count)
+                           {
+                               return "/" + SERVICE + "/" + RESOURCE +
+                                      "?$sortby=-mileage&$offset=" + std::to_string(count / 2) + "&$limit=20";
+                           });
 }
 
 // A serial number is unique: the search finds one object, so the cost is that of the search.
@@ -347,32 +358,8 @@ void BM_ObjectStoreSearchWithAnEighthOfAllHits(benchmark::State& state)
 // earlier answer can be kept.
 void BM_ObjectStoreSearchWithAnEighthOfAllHitsAfterAChange(benchmark::State& state)
 {
-    const std::int64_t count = state.range(0);
-    Fleet fleet;
-    if (!fleet.fill(count))
-    {
-        state.SkipWithError("an insertion was refused");
-        return;
-    }
-    const Orvi::Command::RequestBase request = requestFor("/" + SERVICE + "/" + RESOURCE + "?brand=Volvo");
-    double mileage = 0;
-    for (auto _ : state)
-    {
-        mileage += 1;
-        if (!fleet.write(count / 3, "mileage", mileage))
-        {
-            state.SkipWithError("the change was refused");
-            return;
-        }
-        Orvi::Command::HttpResponse response;
-        if (fleet.cache().queryCache(request, response, PORT) != Poco::Net::HTTPResponse::HTTP_OK)
-        {
-            state.SkipWithError("no answer");
-            return;
-        }
-        response.renderBody();
-        benchmark::DoNotOptimize(response.getTextMsg().data());
-    }
+    answerEachAfterAChange(state,
+                           [](std::int64_t) { return "/" + SERVICE + "/" + RESOURCE + "?brand=Volvo"; });
 }
 
 void BM_ObjectStoreSearchByFreeText(benchmark::State& state)
