@@ -262,6 +262,31 @@ TEST(HttpResponse, RendersAJsonBodyIntoTextOfTheSameBytesAndMediaType)
     EXPECT_EQ(sut.getBody(), R"({"name":"door"})");
 }
 
+TEST(HttpResponse, GivesTheHeldTextAsItsBodyBytesWithoutACopy)
+{
+    HttpResponse sut;
+    sut.setDataFromText("plain", "text/plain");
+    std::string rendered;
+
+    const std::string& bytes = sut.bodyBytes(rendered);
+
+    EXPECT_EQ(&bytes, &sut.getTextMsg());
+    EXPECT_EQ(bytes, "plain");
+    EXPECT_EQ(rendered, "");
+}
+
+TEST(HttpResponse, RendersAJsonBodyIntoTheGivenStringAsItsBodyBytes)
+{
+    HttpResponse sut;
+    sut.setDataFromObject(makeObject("name", "door"));
+    std::string rendered;
+
+    const std::string& bytes = sut.bodyBytes(rendered);
+
+    EXPECT_EQ(&bytes, &rendered);
+    EXPECT_EQ(rendered, R"({"name":"door"})");
+}
+
 TEST(HttpResponse, KeepsATextBodyWhenRenderingIt)
 {
     HttpResponse sut;

@@ -67,6 +67,10 @@ public:
     std::string getBody() const;
     /// The bytes of the body: the JSON body in compact form, otherwise the text.
 
+    const std::string& bodyBytes(std::string& rendered) const;
+    /// The same bytes without a copy of a text body: the text as held, or the JSON body rendered into
+    /// rendered.
+
     void renderBody();
     /// Replaces a JSON body by its bytes, keeping the media type, so that an answer that is both
     /// tagged and sent is rendered once.

@@ -97,6 +97,16 @@ std::string HttpResponse::getBody() const
     return body;
 }
 
+const std::string& HttpResponse::bodyBytes(std::string& rendered) const
+{
+    if (m_jsonMsg.isNull())
+    {
+        return m_textMsg;
+    }
+    rendered = getBody();
+    return rendered;
+}
+
 void HttpResponse::renderBody()
 {
     if (!m_jsonMsg.isNull())
@@ -115,7 +125,6 @@ void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTP
         response.set(FIELD_LOCATION, m_location);
     }
 
-    // A rendered body is sent as it is held, without a copy.
     std::string written;
     const std::string* bytes = &m_textMsg;
     // An empty answer stays empty: compressing nothing would still produce a coding header.
@@ -125,11 +134,7 @@ void HttpResponse::send(Poco::Net::HTTPServerResponse& response, Orvi::Net::HTTP
         {
             response.setContentType(m_mimetype);
         }
-        if (!m_jsonMsg.isNull())
-        {
-            written = getBody();
-            bytes = &written;
-        }
+        bytes = &bodyBytes(written);
         if (coder.isEncodingResponse())
         {
             written = coder.encodeBody(*bytes);

@@ -9,9 +9,8 @@ HTTPCacheHandler::CacheRequestResult
 OrviHttpCacheHandler::handleRequest(const Poco::Net::HTTPRequest& request, Poco::Net::HTTPResponse& response,
                                     const Orvi::Command::HttpResponse& answer)
 {
-    // A rendered body is tagged as it is held, without a copy.
-    const std::string etag = answer.getJsonMsg().isNull() ? HTTPCacheHandler::computeETag(answer.getTextMsg())
-                                                          : HTTPCacheHandler::computeETag(answer.getBody());
+    std::string rendered;
+    const std::string etag = HTTPCacheHandler::computeETag(answer.bodyBytes(rendered));
     response.set(HTTPCacheHandler::FIELD_ETAG, etag);
     if (!HTTPCacheHandler::matchesIfNoneMatch(request, etag))
     {

@@ -189,7 +189,7 @@ std::optional<JsonText> StoredObjectRows::wholeText(std::size_t row)
     JsonText text(std::move(out));
     if (texts != nullptr)
     {
-        texts->keep(stored.getDBID(), storeVersion, text);
+        texts->keep(m_ids[row], storeVersion, text);
     }
     return text;
 }
