@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Sets up the machine, builds every preset that CI gates on, runs the whole test suite in each
-# and checks the formatting. Exits non-zero on the first failure.
+# Sets up the machine, builds every preset that CI gates on, runs the whole test suite in each, checks
+# the Debian packages, cross-builds for AArch64 with the suite under emulation and checks the
+# formatting. Exits non-zero on the first failure.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -15,7 +16,14 @@ for preset in "${presets[@]}"; do
     cmake --preset "${preset}"
     cmake --build --preset "${preset}" --parallel "${jobs}"
     ctest --preset "${preset}" --parallel "${jobs}"
+    if [ "$preset" = default ]; then
+        echo "=== packages ==="
+        bash scripts/check-packages.sh default
+    fi
 done
+
+echo "=== preset aarch64 ==="
+bash scripts/check-aarch64.sh
 
 echo "=== formatting ==="
 bash scripts/format.sh --check

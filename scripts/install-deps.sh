@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs; does nothing when all are present.
 set -euo pipefail
 
-packages=(cmake g++ make libpoco-dev libgtest-dev libgmock-dev libbenchmark-dev clang-format)
+packages=(cmake g++ make libpoco-dev libgtest-dev libgmock-dev libbenchmark-dev clang-format pkgconf lintian curl)
 
 missing=()
 for package in "${packages[@]}"; do

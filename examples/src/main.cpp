@@ -1,3 +1,4 @@
+#include "BundledDefinitions.h"
 #include "ExampleDataHandler.h"
 #include "ExampleHandlerFactory.h"
 #include "ExampleOptions.h"
@@ -45,8 +46,9 @@ void fillSampleData(Orvi::JSONDataCache::JSONDataCache& cache, const Orvi::DBDat
 
 ExampleOptions parseOptions(const std::vector<std::string>& arguments)
 {
-    return ExampleOptions::parse(arguments, {std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/cabin.json",
-                                             std::string(SERVICEDB_EXAMPLE_DEFINITIONS_DIR) + "/audio.json"});
+    const std::string definitions = Orvi::Example::BundledDefinitions::directory(
+        SERVICEDB_EXAMPLE_INSTALLED_DEFINITIONS_DIR, SERVICEDB_EXAMPLE_DEFINITIONS_DIR);
+    return ExampleOptions::parse(arguments, {definitions + "/cabin.json", definitions + "/audio.json"});
 }
 
 void serve(const ExampleOptions& options, ServiceHost& host)

@@ -1,3 +1,4 @@
+#include "BundledDefinitions.h"
 #include "Mapping/MappingServiceJSONDataCache.h"
 #include "Mapping/MappingServiceSubscrTrigger.h"
 #include "RegistryDataHandler.h"
@@ -19,8 +20,9 @@ using Orvi::Registry::RegistryOptions;
 void serve(const RegistryOptions& options, ServiceHost& host)
 {
     Orvi::DBData::ServiceMap services;
-    Orvi::Loader::SchemaLoader().loadFile(std::string(SERVICEDB_REGISTRY_DEFINITIONS_DIR) + "/registry.json",
-                                          services);
+    const std::string definitions = Orvi::Example::BundledDefinitions::directory(
+        SERVICEDB_REGISTRY_INSTALLED_DEFINITIONS_DIR, SERVICEDB_REGISTRY_DEFINITIONS_DIR);
+    Orvi::Loader::SchemaLoader().loadFile(definitions + "/registry.json", services);
     host.listen(services, options.port);
 
     // The handler comes first: the cache is built on it, and it stores posted values into the cache.
