@@ -73,6 +73,9 @@ function(servicedb_add_test name)
     # Test code is compiled far more often than it runs, so it is built without optimisation in every
     # build type (that halves the build); the libraries under test keep the build type's flags.
     target_compile_options(${name} PRIVATE -O0)
+    # Most test files read the same headers; reading them once for all saves a fifth of each compile.
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <Poco/Dynamic/Var.h>
+                              <Poco/Exception.h> <Poco/JSON/Object.h> <string> <vector>)
     if(CMAKE_CROSSCOMPILING)
         # Under emulation every process start costs about a third of a second, which would be most of
         # the run with one process a test; so each suite runs whole, as one test.
