@@ -42,8 +42,9 @@ public:
 
     void handleRequest(Poco::Net::HTTPServerRequest& request,
                        Poco::Net::HTTPServerResponse& response) override;
-    /// Runs on the server thread: answers 503 at once when the worker queue is full, otherwise queues
-    /// the exchange for the worker and waits until it has been answered.
+    /// Runs on the server thread: refuses a request whose version or body length is wrong and closes
+    /// its connection (Net::RequestFraming), answers 503 at once when the worker queue is full, and
+    /// otherwise queues the exchange for the worker and waits until it has been answered.
 
 protected:
     virtual Poco::Net::HTTPResponse::HTTPStatus

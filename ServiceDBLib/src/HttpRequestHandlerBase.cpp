@@ -3,6 +3,7 @@
 #include "DataMessages/RSIDataMessage.h"
 #include "Http/BodyTooLargeException.h"
 #include "Http/HTTPCacheHandler.h"
+#include "Http/RequestFraming.h"
 #include "Logging/LogStream.h"
 #include "Net/OrviHttpCacheHandler.h"
 
@@ -43,6 +44,18 @@ void sendWithoutBody(Poco::Net::HTTPServerResponse& response)
     response.send();
 }
 
+void refuseFraming(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
+                   HTTPStatus status, const std::string& message)
+{
+    // The server answers in the request's version, which may be none; and the rest of the bytes on the
+    // connection cannot be told apart from the next request.
+    LOG_WARNING("Refused request (" << request.getURI() << "): " << message);
+    response.setVersion(Poco::Net::HTTPMessage::HTTP_1_1);
+    response.setKeepAlive(false);
+    Net::HTTPEncoderDecoder coder(request, response);
+    Command::HttpResponse::createError(status, message).send(response, coder, false);
+}
+
 } // namespace
 
 HttpRequestHandlerBase::HttpRequestHandlerBase(Util::MessageSync& messageSync)
@@ -58,6 +71,14 @@ void HttpRequestHandlerBase::handleRequest(Poco::Net::HTTPServerRequest& request
 {
     // An exchange that nobody answers ends as an internal error.
     response.setStatus(HTTPResponse::HTTP_INTERNAL_SERVER_ERROR);
+
+    std::string fault;
+    const HTTPStatus framing = Net::RequestFraming::check(request, fault);
+    if (framing != HTTPResponse::HTTP_OK)
+    {
+        refuseFraming(request, response, framing, fault);
+        return;
+    }
 
     // Before any allocation, so that a flooded worker costs this thread one check and an answer.
     if (m_messageSync.isCriticalQueueSizeReached())

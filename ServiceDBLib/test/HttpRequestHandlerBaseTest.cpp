@@ -21,6 +21,7 @@
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPResponse.h>
 #include <Poco/Net/NetException.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/StreamCopier.h>
 
 #include <gtest/gtest.h>
@@ -209,6 +210,11 @@ std::string gzip(const std::string& plain)
     return compressed.str();
 }
 
+std::string errorBody(int code, const std::string& message)
+{
+    return "{\"code\":" + std::to_string(code) + ",\"message\":\"" + message + "\",\"status\":\"error\"}";
+}
+
 class HttpRequestHandlerBaseTest : public ::testing::Test
 {
 protected:
@@ -270,6 +276,37 @@ protected:
         return answer;
     }
 
+    /// Sends the bytes as they are and reads what comes back until the server closes the connection.
+    std::string exchangeRaw(const std::string& bytes)
+    {
+        Poco::Net::StreamSocket socket(Poco::Net::SocketAddress("127.0.0.1", server.port()));
+        socket.setReceiveTimeout(Poco::Timespan(10, 0));
+        socket.sendBytes(bytes.data(), static_cast<int>(bytes.size()));
+        std::string received;
+        char buffer[4096];
+        int length = 0;
+        while ((length = socket.receiveBytes(buffer, sizeof buffer)) > 0)
+        {
+            received.append(buffer, static_cast<std::size_t>(length));
+        }
+        return received;
+    }
+
+    /// Expects the raw answer to be an error answer with the given status line and body that closes the
+    /// connection.
+    void expectRefusedAndClosed(const std::string& received, const std::string& statusLine, int code,
+                                const std::string& message)
+    {
+        EXPECT_EQ(received.substr(0, received.find("\r\n")), statusLine);
+        EXPECT_NE(received.find("\r\nConnection: Close\r\n"), std::string::npos) << received;
+        EXPECT_EQ(received.substr(received.find("\r\n\r\n") + 4), errorBody(code, message));
+    }
+
+    void expectTheServerToAnswerTheNextClient()
+    {
+        EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, "/").status, HTTPResponse::HTTP_OK);
+    }
+
     /// Runs one exchange on this thread, as the worker would, into a response that records it.
     ServiceDB::Test::FakeServerResponse answerDirectly(const std::string& method, const std::string& uri)
     {
@@ -323,11 +360,6 @@ protected:
     Poco::Event gateOpen;
     ServiceDB::Test::LocalHttpServer server;
 };
-
-std::string errorBody(int code, const std::string& message)
-{
-    return "{\"code\":" + std::to_string(code) + ",\"message\":\"" + message + "\",\"status\":\"error\"}";
-}
 
 TEST_F(HttpRequestHandlerBaseTest, AnswersAGetOfTheRootWithTheCatalogueOfAllPorts)
 {
@@ -745,6 +777,71 @@ TEST_F(HttpRequestHandlerBaseTest, AnswersAMatchingVersionWithTheService)
 
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.body, VEHICLE_UUID);
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersARequestLineOfAnotherProtocolWith400InVersionOneOneAndCloses)
+{
+    const std::string received = exchangeRaw("GET / FOO/1.1\r\nHost: localhost\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "malformed HTTP version");
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersAVersionWhoseNumbersAreNotDigitsWith400AndCloses)
+{
+    const std::string received = exchangeRaw("GET / HTTP/x.y\r\nHost: localhost\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "malformed HTTP version");
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersAnotherMajorVersionWith505AndCloses)
+{
+    const std::string received = exchangeRaw("GET / HTTP/2.0\r\nHost: localhost\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 505 HTTP Version Not Supported", 505,
+                           "HTTP version not supported");
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersANegativeContentLengthWith400BeforeTheWorkerSeesIt)
+{
+    const std::string received =
+        exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\nContent-Length: -5\r\n\r\n{}");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "malformed Content-Length");
+    EXPECT_EQ(script.calls, 0);
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersTwoContentLengthsThatDifferWith400BeforeTheWorkerSeesIt)
+{
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}x");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "conflicting body lengths");
+    EXPECT_EQ(script.calls, 0);
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersAContentLengthBesideChunkedTransferWith400)
+{
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                             "2\r\n{}\r\n0\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "conflicting body lengths");
+    EXPECT_EQ(script.calls, 0);
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, LogsARefusedRequestWithItsAddressWordForWord)
+{
+    LogCapture capture;
+
+    exchangeRaw("GET /vehicle HTTP/x.y\r\nHost: localhost\r\n\r\n");
+
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Refused request (/vehicle): malformed HTTP version"});
 }
 
 } // namespace
