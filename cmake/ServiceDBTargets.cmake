@@ -76,9 +76,9 @@ function(servicedb_add_test name)
     # Most test files read the same headers; reading them once for all saves a fifth of each compile.
     target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <Poco/Dynamic/Var.h>
                               <Poco/Exception.h> <Poco/JSON/Object.h> <string> <vector>)
-    if(CMAKE_CROSSCOMPILING)
-        # Under emulation every process start costs about a third of a second, which would be most of
-        # the run with one process a test; so each suite runs whole, as one test.
+    if(CMAKE_CROSSCOMPILING OR SERVICEDB_SANITIZE)
+        # Under emulation or a sanitizer every process start costs a tenth to a third of a second, which
+        # would be most of the run with one process a test; so each suite runs whole, as one test.
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES TIMEOUT 1200)
     else()
