@@ -2,7 +2,8 @@
 -- thread owns. Every thread drives one connection, so each answer belongs to the thread's last request;
 -- the thread remembers what the example acknowledged, and at the end every thread's record goes to
 -- SOAK_RECORD: "name <address> <name>" for a playlist's last acknowledged name, "gone <address>" for
--- one whose delete was acknowledged. Statuses are counted per method; SOAK_STATUS gets them. A thread
+-- one whose delete was acknowledged, "unsure <address>" for one written to without an answer (a
+-- time-out, or the write in flight when wrk stopped), whose state the check cannot know. Statuses are counted per method; SOAK_STATUS gets them. A thread
 -- stops after SOAK_REQUESTS_PER_THREAD answers and then writes a line to SOAK_FINISHED.
 local record_file = os.getenv("SOAK_RECORD")
 local per_thread = tonumber(os.getenv("SOAK_REQUESTS_PER_THREAD") or "0")
@@ -26,6 +27,7 @@ owned = {}      -- address -> last acknowledged name
 order = {}      -- owned addresses, oldest first
 gone = {}
 statuses = {}
+unsure = {}     -- addresses written to without an answer (time-out, or wrk stopped): either state holds
 
 local reads = {
     "/audio/tracks?$limit=20&$offset=%d",
@@ -60,6 +62,9 @@ local function next_request()
 end
 
 request = function()
+    if pending and not pending.answered and pending.method ~= "GET" then
+        table.insert(unsure, pending.path)
+    end
     pending = next_request()
     return wrk.format(pending.method, pending.path, pending.body and json or nil, pending.body)
 end
@@ -73,6 +78,7 @@ response = function(status, headers, body)
         finished:close()
         wrk.thread:stop()
     end
+    pending.answered = true
     local key = pending.method .. " " .. status
     statuses[key] = (statuses[key] or 0) + 1
     if pending.create and status == 201 then
@@ -97,6 +103,13 @@ done = function(summary, latency, requests)
         end
         for _, address in ipairs(thread:get("gone")) do
             records:write("gone ", address, "\n")
+        end
+        for _, address in ipairs(thread:get("unsure")) do
+            records:write("unsure ", address, "\n")
+        end
+        local last = thread:get("pending")
+        if last and not last.answered and last.method ~= "GET" then
+            records:write("unsure ", last.path, "\n")
         end
         for key, count in pairs(thread:get("statuses")) do
             totals[key] = (totals[key] or 0) + count
