@@ -22,31 +22,14 @@ root="$(cd "$here/.." && pwd)"
 example="${SERVICEDB_EXAMPLE:-$root/build/default/examples/servicedb-example}"
 work="$root/build/soak"
 
-pids=()
-stop_all() {
-    local pid
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${pids[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-}
-trap stop_all EXIT
-log() { echo "== $*" >&2; }
+source "$here/processes.sh"
 
 if [ "${SKIP_BUILD:-0}" != 1 ]; then
     log "building the example"
     cmake --preset default >/dev/null
     cmake --build --preset default --target servicedb-example --parallel "$(nproc)" >/dev/null
 fi
-if ! command -v wrk >/dev/null; then
-    sudo_cmd=()
-    if [ "$(id -u)" -ne 0 ]; then
-        sudo_cmd=(sudo)
-    fi
-    "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends wrk
-fi
+bash "$root/scripts/install-deps.sh" wrk
 
 rm -rf "$work"
 mkdir -p "$work"

@@ -70,11 +70,11 @@ audio library to try the interface with, and servicedb-registry, the
 service registry at which processes announce their services.")
 
 # Each package carries its copyright file, changelog and the explanations of lintian's remaining tags.
+servicedb_gzip("${PROJECT_SOURCE_DIR}/packaging/changelog" changelog)
 foreach(component IN ITEMS runtime dev tools)
     string(TOUPPER ${component} upper)
     set(package "${CPACK_DEBIAN_${upper}_PACKAGE_NAME}")
     set(docDir "${CMAKE_INSTALL_DATAROOTDIR}/doc/${package}")
-    servicedb_gzip("${PROJECT_SOURCE_DIR}/packaging/changelog" changelog)
     install(FILES "${PROJECT_SOURCE_DIR}/packaging/copyright" DESTINATION ${docDir} COMPONENT ${component})
     install(FILES "${changelog}" DESTINATION ${docDir} COMPONENT ${component})
     if(EXISTS "${PROJECT_SOURCE_DIR}/packaging/lintian/${package}")

@@ -18,21 +18,6 @@ if [ "$(id -u)" -ne 0 ]; then
     sudo_cmd=(sudo)
 fi
 
-install_host_packages() {
-    local missing=()
-    for package in g++-aarch64-linux-gnu qemu-user-static; do
-        if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
-            missing+=("$package")
-        fi
-    done
-    if [ "${#missing[@]}" -gt 0 ]; then
-        echo "Installing: ${missing[*]}"
-        "${sudo_cmd[@]}" apt-get update -qq
-        DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends \
-            "${missing[@]}"
-    fi
-}
-
 unpack_arm64_packages() {
     local stamp="${root}/.packages"
     if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "${arm64_packages[*]}" ]; then
@@ -61,7 +46,7 @@ unpack_arm64_packages() {
     echo "${arm64_packages[*]}" > "$stamp"
 }
 
-install_host_packages
+bash scripts/install-deps.sh g++-aarch64-linux-gnu qemu-user-static
 unpack_arm64_packages
 
 jobs="$(nproc)"

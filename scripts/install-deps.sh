@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build needs; does nothing when all are present.
+# Installs the Debian packages the build needs, or the packages named as arguments; does nothing when
+# all are present.
 set -euo pipefail
 
 packages=(cmake g++ make libpoco-dev libgtest-dev libgmock-dev libbenchmark-dev clang-format pkgconf lintian curl)
+if [ "$#" -gt 0 ]; then
+    packages=("$@")
+fi
 
 missing=()
 for package in "${packages[@]}"; do

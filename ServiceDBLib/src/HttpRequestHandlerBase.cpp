@@ -44,6 +44,14 @@ void sendWithoutBody(Poco::Net::HTTPServerResponse& response)
     response.send();
 }
 
+// Answers on the server thread, without the worker.
+void sendError(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
+               HTTPStatus status, const std::string& message)
+{
+    Net::HTTPEncoderDecoder coder(request, response);
+    Command::HttpResponse::createError(status, message).send(response, coder, false);
+}
+
 void refuseFraming(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
                    HTTPStatus status, const std::string& message)
 {
@@ -52,8 +60,7 @@ void refuseFraming(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerR
     LOG_WARNING("Refused request (" << request.getURI() << "): " << message);
     response.setVersion(Poco::Net::HTTPMessage::HTTP_1_1);
     response.setKeepAlive(false);
-    Net::HTTPEncoderDecoder coder(request, response);
-    Command::HttpResponse::createError(status, message).send(response, coder, false);
+    sendError(request, response, status, message);
 }
 
 } // namespace
@@ -83,9 +90,7 @@ void HttpRequestHandlerBase::handleRequest(Poco::Net::HTTPServerRequest& request
     // Before any allocation, so that a flooded worker costs this thread one check and an answer.
     if (m_messageSync.isCriticalQueueSizeReached())
     {
-        Net::HTTPEncoderDecoder coder(request, response);
-        Command::HttpResponse::createError(HTTPResponse::HTTP_SERVICE_UNAVAILABLE, MSG_QUEUE_OVERFLOW)
-            .send(response, coder, false);
+        sendError(request, response, HTTPResponse::HTTP_SERVICE_UNAVAILABLE, MSG_QUEUE_OVERFLOW);
         return;
     }
 

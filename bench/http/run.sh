@@ -37,21 +37,7 @@ fixed_body_server="$build_dir/fixed-body-server"
 example="${SERVICEDB_EXAMPLE:-$root/build/default/examples/servicedb-example}"
 work="$build_dir/last-run"
 
-pids=()
-stop_all() {
-    local pid
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${pids[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    pids=()
-}
-trap stop_all EXIT
-trap 'exit 130' INT TERM
-
-log() { echo "== $*" >&2; }
+source "$here/../processes.sh"
 
 # --- 1. tools -------------------------------------------------------------------------------------
 install_tools() {
