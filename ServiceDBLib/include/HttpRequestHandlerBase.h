@@ -43,8 +43,10 @@ public:
     void handleRequest(Poco::Net::HTTPServerRequest& request,
                        Poco::Net::HTTPServerResponse& response) override;
     /// Runs on the server thread: refuses a request whose version or body length is wrong and closes
-    /// its connection (Net::RequestFraming), answers 503 at once when the worker queue is full, and
-    /// otherwise queues the exchange for the worker and waits until it has been answered.
+    /// its connection (Net::RequestFraming), answers 503 at once when the worker queue is full, reads
+    /// the body into memory (400 beyond the size limit, 408 when the client stalls longer than the
+    /// server's time-out; a request that fails its precondition is left unread), and then queues the
+    /// exchange for the worker and waits until it has been answered.
 
 protected:
     virtual Poco::Net::HTTPResponse::HTTPStatus

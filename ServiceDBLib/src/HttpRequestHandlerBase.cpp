@@ -2,6 +2,7 @@
 
 #include "DataMessages/RSIDataMessage.h"
 #include "Http/BodyTooLargeException.h"
+#include "Http/BufferedServerRequest.h"
 #include "Http/HTTPCacheHandler.h"
 #include "Http/RequestFraming.h"
 #include "Logging/LogStream.h"
@@ -13,6 +14,7 @@
 #include <Poco/SynchronizedObject.h>
 
 #include <exception>
+#include <optional>
 #include <sstream>
 
 namespace Orvi
@@ -52,8 +54,8 @@ void sendError(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerRespo
     Command::HttpResponse::createError(status, message).send(response, coder, false);
 }
 
-void refuseFraming(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
-                   HTTPStatus status, const std::string& message)
+void refuse(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response, HTTPStatus status,
+            const std::string& message)
 {
     // The server answers in the request's version, which may be none; and the rest of the bytes on the
     // connection cannot be told apart from the next request.
@@ -61,6 +63,21 @@ void refuseFraming(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerR
     response.setVersion(Poco::Net::HTTPMessage::HTTP_1_1);
     response.setKeepAlive(false);
     sendError(request, response, status, message);
+}
+
+// What is left of the body would be read as the next request: the connection ends here.
+void refuseBodyTooLarge(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
+                        Net::HTTPEncoderDecoder& coder, const Net::BodyTooLargeException& exception)
+{
+    response.setKeepAlive(false);
+    Command::HttpResponse::createError(HTTPResponse::HTTP_BAD_REQUEST, MSG_BODY_TOO_LARGE)
+        .send(response, coder, false);
+    LOG_WARNING("Request body too large (" << request.getURI() << "): " << exception.message());
+}
+
+bool isPreconditionFailed(const Poco::Net::HTTPRequest& request)
+{
+    return Net::HTTPCacheHandler::checkRequestHeader(request) == Net::HTTPCacheHandler::PRECONDITION_FAILED;
 }
 
 } // namespace
@@ -83,7 +100,7 @@ void HttpRequestHandlerBase::handleRequest(Poco::Net::HTTPServerRequest& request
     const HTTPStatus framing = Net::RequestFraming::check(request, fault);
     if (framing != HTTPResponse::HTTP_OK)
     {
-        refuseFraming(request, response, framing, fault);
+        refuse(request, response, framing, fault);
         return;
     }
 
@@ -94,8 +111,37 @@ void HttpRequestHandlerBase::handleRequest(Poco::Net::HTTPServerRequest& request
         return;
     }
 
+    // The body is read here, so that a client that stalls holds its own thread and never the worker. A
+    // request that fails its precondition is answered without its body being read.
+    std::optional<Net::BufferedServerRequest> buffered;
+    if (Net::BufferedServerRequest::hasBody(request) && !isPreconditionFailed(request))
+    {
+        try
+        {
+            buffered.emplace(request, m_maxBodySize);
+        }
+        catch (const Net::BodyTooLargeException& exception)
+        {
+            Net::HTTPEncoderDecoder coder(request, response);
+            refuseBodyTooLarge(request, response, coder, exception);
+            return;
+        }
+        catch (const Poco::TimeoutException&)
+        {
+            refuse(request, response, HTTPResponse::HTTP_REQUEST_TIMEOUT,
+                   Net::BufferedServerRequest::MSG_BODY_TIMED_OUT);
+            return;
+        }
+        // The worker may have filled up while the body came in.
+        if (m_messageSync.isCriticalQueueSizeReached())
+        {
+            sendError(request, response, HTTPResponse::HTTP_SERVICE_UNAVAILABLE, MSG_QUEUE_OVERFLOW);
+            return;
+        }
+    }
+
     Poco::SharedPtr<Poco::SynchronizedObject> event(new Poco::SynchronizedObject);
-    auto* message = new RSIDataMessage(this, request, response, event);
+    auto* message = new RSIDataMessage(this, buffered ? *buffered : request, response, event);
     if (!m_messageSync.enqueueDataMessage(message, Util::MESSAGE_PRIO_NORMAL))
     {
         LOG_WARNING("handleRequest"
@@ -131,7 +177,7 @@ void HttpRequestHandlerBase::processRequestSync(Poco::Net::HTTPServerRequest& re
         return;
     }
 
-    if (Net::HTTPCacheHandler::checkRequestHeader(request) == Net::HTTPCacheHandler::PRECONDITION_FAILED)
+    if (isPreconditionFailed(request))
     {
         LOG_WARNING("HTTP Cache Requests are only allowed for GET and HEAD requests.");
         response.setStatusAndReason(HTTPResponse::HTTP_PRECONDITION_FAILED);
@@ -147,11 +193,7 @@ void HttpRequestHandlerBase::processRequestSync(Poco::Net::HTTPServerRequest& re
     }
     catch (const Net::BodyTooLargeException& exception)
     {
-        // What is left of the body would be read as the next request: the connection ends here.
-        response.setKeepAlive(false);
-        Command::HttpResponse::createError(HTTPResponse::HTTP_BAD_REQUEST, MSG_BODY_TOO_LARGE)
-            .send(response, coder, false);
-        LOG_WARNING("Request body too large (" << request.getURI() << "): " << exception.message());
+        refuseBodyTooLarge(request, response, coder, exception);
         return;
     }
     catch (const Poco::URISyntaxException&)

@@ -279,8 +279,22 @@ protected:
     /// Sends the bytes as they are and reads what comes back until the server closes the connection.
     std::string exchangeRaw(const std::string& bytes)
     {
+        Poco::Net::StreamSocket socket = openExchange("");
+        return finishExchange(socket, bytes);
+    }
+
+    /// Opens a connection and sends the first bytes of an exchange.
+    Poco::Net::StreamSocket openExchange(const std::string& bytes)
+    {
         Poco::Net::StreamSocket socket(Poco::Net::SocketAddress("127.0.0.1", server.port()));
         socket.setReceiveTimeout(Poco::Timespan(10, 0));
+        socket.sendBytes(bytes.data(), static_cast<int>(bytes.size()));
+        return socket;
+    }
+
+    /// Sends the rest of an exchange and reads what comes back until the server closes the connection.
+    static std::string finishExchange(Poco::Net::StreamSocket& socket, const std::string& bytes)
+    {
         socket.sendBytes(bytes.data(), static_cast<int>(bytes.size()));
         std::string received;
         char buffer[4096];
@@ -842,6 +856,95 @@ TEST_F(HttpRequestHandlerBaseTest, LogsARefusedRequestWithItsAddressWordForWord)
     exchangeRaw("GET /vehicle HTTP/x.y\r\nHost: localhost\r\n\r\n");
 
     EXPECT_EQ(capture.lines(), Lines{"Warning: Refused request (/vehicle): malformed HTTP version"});
+}
+
+TEST_F(HttpRequestHandlerBaseTest, AnswersOtherClientsWhileOneClientStallsInItsBody)
+{
+    Poco::Net::StreamSocket stalled = openExchange("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                                   "Content-Length: 12\r\n\r\n{\"val");
+
+    const Answer answer = exchange(HTTPRequest::HTTP_GET, "/");
+
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(answer.body, rootBody());
+    stalled.close();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, GivesTheWorkerTheWholeBodyOfAClientThatSentItInParts)
+{
+    std::string received;
+    script.post = [&received](const HttpRequest& request, HttpResponse&)
+    {
+        received = request.getMessage();
+        return HTTPResponse::HTTP_CREATED;
+    };
+    Poco::Net::StreamSocket socket = openExchange("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                                  "Connection: close\r\nContent-Length: 12\r\n\r\n{\"val");
+    EXPECT_EQ(exchange(HTTPRequest::HTTP_GET, "/").status, 200);
+
+    const std::string answer = finishExchange(socket, "ue\":88}");
+
+    EXPECT_EQ(answer.substr(0, answer.find("\r\n")), "HTTP/1.1 201 Created");
+    EXPECT_EQ(received, "{\"value\":88}");
+}
+
+TEST_F(HttpRequestHandlerBaseTest, RefusesAClientThatStallsInItsBodyWith408WhenTheServerTimesOut)
+{
+    ServiceDB::Test::LocalHttpServer impatient(new CatalogueHandlerFactory(worker, cache, script),
+                                               Poco::Timespan(0, 200000));
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+    Poco::Net::StreamSocket socket(Poco::Net::SocketAddress("127.0.0.1", impatient.port()));
+    socket.setReceiveTimeout(Poco::Timespan(10, 0));
+    const std::string head = "POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\nContent-Length: 12\r\n\r\n{";
+    socket.sendBytes(head.data(), static_cast<int>(head.size()));
+
+    const std::string received = finishExchange(socket, "");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 408 Request Time-out", 408, "request body timed out");
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Refused request (/vehicle/speed): request body timed out"});
+}
+
+TEST_F(HttpRequestHandlerBaseTest, GivesTheWorkerTheWholeBodyOfAChunkedPost)
+{
+    std::string received;
+    script.post = [&received](const HttpRequest& request, HttpResponse&)
+    {
+        received = request.getMessage();
+        return HTTPResponse::HTTP_CREATED;
+    };
+
+    const std::string answer = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                           "Connection: close\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                           "5\r\n{\"val\r\n7\r\nue\":88}\r\n0\r\n\r\n");
+
+    EXPECT_EQ(answer.substr(0, answer.find("\r\n")), "HTTP/1.1 201 Created");
+    EXPECT_EQ(received, "{\"value\":88}");
+}
+
+TEST_F(HttpRequestHandlerBaseTest, RefusesChunksAddingUpBeyondTheLimitBeforeTheWorkerSeesThem)
+{
+    script.maxBodySize = 11;
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "Transfer-Encoding: chunked\r\n\r\n"
+                                             "5\r\n{\"val\r\n7\r\nue\":88}\r\n0\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "request body too large");
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Request body too large (/vehicle/speed): more than 11 bytes"});
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, LeavesTheBodyOfAConditionalPostUnread)
+{
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "If-Match: \"1\"\r\nConnection: close\r\n"
+                                             "Transfer-Encoding: chunked\r\n\r\nzz\r\n");
+
+    EXPECT_EQ(received.substr(0, received.find("\r\n")), "HTTP/1.1 412 Precondition Failed");
+    EXPECT_EQ(script.calls, 0);
 }
 
 } // namespace

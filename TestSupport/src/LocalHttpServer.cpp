@@ -8,7 +8,7 @@
 namespace ServiceDB::Test
 {
 
-LocalHttpServer::LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr factory)
+LocalHttpServer::LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr factory, Poco::Timespan timeout)
     : m_pool(1, MAX_THREADS)
     , m_port(0)
 {
@@ -18,6 +18,7 @@ LocalHttpServer::LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr facto
     Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;
     params->setMaxThreads(MAX_THREADS);
     params->setMaxQueued(16);
+    params->setTimeout(timeout);
     params->setKeepAlive(true);
     params->setKeepAliveTimeout(Poco::Timespan(2, 0));
 

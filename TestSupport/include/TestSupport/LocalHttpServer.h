@@ -3,6 +3,7 @@
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
 #include <Poco/Net/HTTPServer.h>
 #include <Poco/ThreadPool.h>
+#include <Poco/Timespan.h>
 #include <Poco/Types.h>
 
 #include <memory>
@@ -17,7 +18,9 @@ class LocalHttpServer
 public:
     static constexpr int MAX_THREADS = 8;
 
-    explicit LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr factory);
+    explicit LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr factory,
+                             Poco::Timespan timeout = Poco::Timespan(60, 0));
+    /// The time-out bounds how long the server waits for a client that stalls.
     ~LocalHttpServer();
 
     LocalHttpServer(const LocalHttpServer&) = delete;
