@@ -22,7 +22,7 @@ LocalHttpServer::LocalHttpServer(Poco::Net::HTTPRequestHandlerFactory::Ptr facto
     params->setKeepAlive(true);
     params->setKeepAliveTimeout(Poco::Timespan(2, 0));
 
-    m_server = std::make_unique<Poco::Net::HTTPServer>(factory, m_pool, socket, params);
+    m_server = std::make_unique<Orvi::Net::HttpServer>(factory, m_pool, socket, params);
     m_server->start();
 }
 

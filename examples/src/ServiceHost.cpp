@@ -1,5 +1,6 @@
 #include "ServiceHost.h"
 
+#include "Http/HttpServer.h"
 #include "Logging/Log.h"
 #include "Logging/LogStream.h"
 #include "SubscriptionHandling/SubscriptionLimits.h"
@@ -8,7 +9,6 @@
 #include <Poco/ConsoleChannel.h>
 #include <Poco/FormattingChannel.h>
 #include <Poco/Logger.h>
-#include <Poco/Net/HTTPServer.h>
 #include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/PatternFormatter.h>
@@ -34,7 +34,7 @@ ServiceHost::ServiceHost()
 Poco::UInt16 ServiceHost::listen(DBData::ServiceMap& services, Poco::UInt16 port)
 {
     m_socket.bind(Poco::Net::SocketAddress("127.0.0.1", port), true);
-    m_socket.listen();
+    m_socket.listen(LISTEN_BACKLOG);
     const Poco::UInt16 listened = m_socket.address().port();
     for (auto& entry : services)
     {
@@ -50,6 +50,7 @@ void ServiceHost::serve(Service::SubscriptionTrigger& trigger, const FactoryMake
     Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;
     params->setMaxThreads(MAX_SERVER_THREADS);
     params->setMaxQueued(MAX_QUEUED_CONNECTIONS);
+    params->setTimeout(Poco::Timespan(TIMEOUT_SECONDS, 0));
     params->setKeepAlive(true);
     params->setKeepAliveTimeout(Poco::Timespan(KEEP_ALIVE_SECONDS, 0));
     params->setMaxKeepAliveRequests(MAX_KEEP_ALIVE_REQUESTS);
@@ -57,7 +58,7 @@ void ServiceHost::serve(Service::SubscriptionTrigger& trigger, const FactoryMake
     // Subscribers are served on the service's own threads; it goes before the worker, which it may wait for.
     auto subscriptions =
         std::make_unique<Service::SubscriptionService>(trigger, Service::SubscriptionLimits(MAX_SUBSCRIBERS));
-    Poco::Net::HTTPServer server(makeFactory(subscriptions.get()), pool, m_socket, params);
+    Net::HttpServer server(makeFactory(subscriptions.get()), pool, m_socket, params);
     const auto stopAll = [&]
     {
         server.stopAll(true);

@@ -34,7 +34,14 @@ public:
     // message, so the queue counts as full only well above the number of threads.
     static constexpr std::size_t CRITICAL_QUEUE_SIZE = 64;
     static constexpr int MAX_SERVER_THREADS = 16;
-    static constexpr int MAX_QUEUED_CONNECTIONS = 64;
+    // Connections waiting for a server thread. While any wait, each answer closes its connection, so
+    // they are served in turn; a connection beyond these is answered 503.
+    static constexpr int MAX_QUEUED_CONNECTIONS = 256;
+    // Connections the system holds until the server takes them; a burst beyond waits for the client's
+    // retry of its connect.
+    static constexpr int LISTEN_BACKLOG = 1024;
+    // How long a client may stall within its request, head or body, before it is answered 408 or let go.
+    static constexpr int TIMEOUT_SECONDS = 10;
     static constexpr int KEEP_ALIVE_SECONDS = 5;
     static constexpr int MAX_KEEP_ALIVE_REQUESTS = 100;
     static constexpr std::size_t MAX_SUBSCRIBERS = 1000;

@@ -16,11 +16,14 @@
 #include <Poco/Net/HTTPClientSession.h>
 #include <Poco/Net/HTTPRequest.h>
 #include <Poco/Net/HTTPResponse.h>
+#include <Poco/Net/SocketAddress.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/Net/WebSocket.h>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <map>
 #include <pthread.h>
 #include <sstream>
 #include <string>
@@ -154,6 +157,40 @@ TEST_F(ServiceHostServing, HandsAWebSocketUpgradeToItsSubscriptionService)
     Poco::Net::WebSocket client(session, request, response);
 
     EXPECT_EQ(response.getStatus(), Poco::Net::HTTPResponse::HTTP_SWITCHING_PROTOCOLS);
+}
+
+TEST_F(ServiceHostServing, AnswersEveryOneOfFiveHundredConnectionsOpenedAtOnceWith200Or503)
+{
+    startHost();
+    std::vector<Poco::Net::StreamSocket> clients(500);
+    for (Poco::Net::StreamSocket& client : clients)
+    {
+        client.connect(Poco::Net::SocketAddress("127.0.0.1", port));
+        client.setReceiveTimeout(Poco::Timespan(30, 0));
+    }
+    const std::string request =
+        "GET /audio/playlists HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
+
+    std::map<std::string, int> statusLines;
+    for (Poco::Net::StreamSocket& client : clients)
+    {
+        client.sendBytes(request.data(), static_cast<int>(request.size()));
+    }
+    for (Poco::Net::StreamSocket& client : clients)
+    {
+        std::string answer;
+        char buffer[4096];
+        int length = 0;
+        while ((length = client.receiveBytes(buffer, sizeof buffer)) > 0)
+        {
+            answer.append(buffer, static_cast<std::size_t>(length));
+        }
+        ++statusLines[answer.substr(0, answer.find("\r\n"))];
+    }
+
+    statusLines.erase("HTTP/1.1 200 OK");
+    statusLines.erase("HTTP/1.1 503 Service Unavailable");
+    EXPECT_EQ(statusLines, (std::map<std::string, int>{}));
 }
 
 TEST_F(ServiceHostServing, ServesUntilSigtermAndThenStopsItsWorker)

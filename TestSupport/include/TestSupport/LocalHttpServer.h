@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Http/HttpServer.h"
+
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
-#include <Poco/Net/HTTPServer.h>
 #include <Poco/ThreadPool.h>
 #include <Poco/Timespan.h>
 #include <Poco/Types.h>
@@ -31,7 +32,7 @@ public:
 private:
     Poco::ThreadPool m_pool;
     Poco::UInt16 m_port;
-    std::unique_ptr<Poco::Net::HTTPServer> m_server;
+    std::unique_ptr<Orvi::Net::HttpServer> m_server;
 };
 
 } // namespace ServiceDB::Test

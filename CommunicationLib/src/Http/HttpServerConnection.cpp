@@ -1,0 +1,214 @@
+#include "Http/HttpServerConnection.h"
+
+#include "Http/ErrorAnswer.h"
+#include "Http/RequestFraming.h"
+#include "Logging/LogStream.h"
+
+#include <Poco/Delegate.h>
+#include <Poco/Exception.h>
+#include <Poco/Net/HTTPRequestHandler.h>
+#include <Poco/Net/HTTPServerRequestImpl.h>
+#include <Poco/Net/HTTPServerResponseImpl.h>
+#include <Poco/Net/HTTPServerSession.h>
+#include <Poco/Net/NetException.h>
+#include <Poco/Timestamp.h>
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <utility>
+
+namespace Orvi::Net
+{
+
+using Poco::Net::HTTPResponse;
+
+const std::string HttpServerConnection::MSG_MALFORMED_HEAD = "malformed request head";
+const std::string HttpServerConnection::MSG_NO_HANDLER = "no handler for the request";
+const Poco::Timespan HttpServerConnection::IDLE_SLICE(0, 100000);
+
+namespace
+{
+
+/// A session that tells whether bytes of the next request are in its buffer already.
+class ServerSession : public Poco::Net::HTTPServerSession
+{
+public:
+    using Poco::Net::HTTPServerSession::HTTPServerSession;
+
+    bool hasBufferedBytes() const { return buffered() > 0; }
+};
+
+void refuse(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus status,
+            const std::string& message)
+{
+    session.setKeepAlive(false);
+    try
+    {
+        LOG_WARNING("Refused request from " << session.clientAddress().toString() << ": " << message);
+        Poco::Net::HTTPServerResponseImpl response(session);
+        const std::string body = ErrorAnswer::prepare(response, status, message);
+        response.send() << body << std::flush;
+    }
+    catch (const Poco::Exception&)
+    {
+        // The client is gone: nobody is left to answer.
+    }
+}
+
+} // namespace
+
+HttpServerConnection::HttpServerConnection(const Poco::Net::StreamSocket& socket,
+                                           Poco::Net::HTTPServerParams::Ptr params,
+                                           Poco::Net::HTTPRequestHandlerFactory::Ptr factory,
+                                           Poco::BasicEvent<const bool>& serverStopped,
+                                           std::function<bool()> othersWaiting)
+    : Poco::Net::TCPServerConnection(socket)
+    , m_params(std::move(params))
+    , m_factory(std::move(factory))
+    , m_serverStopped(serverStopped)
+    , m_othersWaiting(std::move(othersWaiting))
+{
+    m_serverStopped += Poco::delegate(this, &HttpServerConnection::onServerStopped);
+}
+
+HttpServerConnection::~HttpServerConnection()
+{
+    try
+    {
+        m_serverStopped -= Poco::delegate(this, &HttpServerConnection::onServerStopped);
+    }
+    catch (...)
+    {
+        // A destructor must not throw; the event is gone with the server anyway.
+    }
+}
+
+void HttpServerConnection::run()
+{
+    ServerSession session(socket(), m_params);
+    bool first = true;
+    while (!m_stopped && (first ? session.hasMoreRequests() : awaitNextRequest(session)))
+    {
+        first = false;
+        Poco::FastMutex::ScopedLock lock(m_mutex);
+        if (m_stopped)
+        {
+            break;
+        }
+        Poco::Net::HTTPServerResponseImpl response(session);
+        std::optional<Poco::Net::HTTPServerRequestImpl> request;
+        try
+        {
+            request.emplace(response, session, m_params);
+        }
+        catch (const Poco::Net::NoMessageException&)
+        {
+            break;
+        }
+        catch (const Poco::SyntaxException&)
+        {
+            // Only a Content-Length that is not a number fails this way: where the body ends is unknown.
+            refuse(session, HTTPResponse::HTTP_BAD_REQUEST, RequestFraming::MSG_MALFORMED_CONTENT_LENGTH);
+            break;
+        }
+        catch (const Poco::Net::MessageException&)
+        {
+            refuse(session, HTTPResponse::HTTP_BAD_REQUEST, MSG_MALFORMED_HEAD);
+            break;
+        }
+        catch (const Poco::Exception&)
+        {
+            // The client went away or stalled in the middle of its head.
+            break;
+        }
+        if (!serve(session, *request, response))
+        {
+            break;
+        }
+    }
+}
+
+bool HttpServerConnection::awaitNextRequest(Poco::Net::HTTPServerSession& session)
+{
+    if (!session.getKeepAlive())
+    {
+        return false;
+    }
+    // Waits in slices, so that a connection waiting for a thread takes over this one's while it idles.
+    Poco::Timespan waited;
+    while (!static_cast<ServerSession&>(session).hasBufferedBytes() &&
+           !socket().poll(IDLE_SLICE, Poco::Net::Socket::SELECT_READ))
+    {
+        waited += IDLE_SLICE;
+        if (m_stopped || m_othersWaiting() || waited >= m_params->getKeepAliveTimeout())
+        {
+            return false;
+        }
+    }
+    return session.hasMoreRequests();
+}
+
+bool HttpServerConnection::serve(Poco::Net::HTTPServerSession& session, Poco::Net::HTTPServerRequest& request,
+                                 Poco::Net::HTTPServerResponse& response)
+{
+    response.setDate(Poco::Timestamp());
+    response.setVersion(request.getVersion());
+    response.setKeepAlive(m_params->getKeepAlive() && request.getKeepAlive() && session.canKeepAlive() &&
+                          !m_othersWaiting());
+    if (!m_params->getSoftwareVersion().empty())
+    {
+        response.set("Server", m_params->getSoftwareVersion());
+    }
+    try
+    {
+        const std::unique_ptr<Poco::Net::HTTPRequestHandler> handler(
+            m_factory->createRequestHandler(request));
+        if (!handler)
+        {
+            refuse(session, HTTPResponse::HTTP_NOT_IMPLEMENTED, MSG_NO_HANDLER);
+            return false;
+        }
+        if (request.getExpectContinue() && response.getStatus() == HTTPResponse::HTTP_OK)
+        {
+            response.sendContinue();
+        }
+        handler->handleRequest(request, response);
+    }
+    catch (const Poco::Exception& exception)
+    {
+        if (session.networkException())
+        {
+            return false;
+        }
+        LOG_WARNING("Request failed (" << request.getURI() << "): " << exception.displayText());
+        if (!response.sent())
+        {
+            refuse(session, HTTPResponse::HTTP_INTERNAL_SERVER_ERROR, "");
+        }
+        return false;
+    }
+    session.setKeepAlive(m_params->getKeepAlive() && response.getKeepAlive() && session.canKeepAlive());
+    return true;
+}
+
+void HttpServerConnection::onServerStopped(const bool& abortCurrent)
+{
+    m_stopped = true;
+    try
+    {
+        if (abortCurrent)
+        {
+            socket().shutdown();
+            return;
+        }
+        Poco::FastMutex::ScopedLock lock(m_mutex);
+        socket().shutdown();
+    }
+    catch (...)
+    {
+        // The client may have closed the connection already.
+    }
+}
+
+} // namespace Orvi::Net
