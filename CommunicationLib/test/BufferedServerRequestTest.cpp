@@ -4,6 +4,7 @@
 #include "TestSupport/FakeServerRequest.h"
 
 #include <Poco/Net/HTTPRequest.h>
+#include <Poco/Net/NetException.h>
 #include <Poco/StreamCopier.h>
 
 #include <gtest/gtest.h>
@@ -81,6 +82,22 @@ TEST(BufferedServerRequestTest, RefusesChunksThatAddUpToMoreThanTheLimit)
     catch (const Orvi::Net::BodyTooLargeException& exception)
     {
         EXPECT_EQ(exception.message(), "more than 11 bytes");
+    }
+}
+
+TEST(BufferedServerRequestTest, CallsABodyIncompleteThatEndsBeforeItsLength)
+{
+    FakeServerRequest request(HTTPRequest::HTTP_POST, "/vehicle/speed", "{\"value\":88}");
+    request.setContentLength(100);
+
+    try
+    {
+        const BufferedServerRequest sut(request, 1000);
+        FAIL() << "a body shorter than announced was accepted";
+    }
+    catch (const Poco::Net::MessageException& exception)
+    {
+        EXPECT_EQ(exception.message(), "request body incomplete");
     }
 }
 

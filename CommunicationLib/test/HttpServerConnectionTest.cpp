@@ -92,6 +92,7 @@ protected:
         params->setMaxThreads(4);
         params->setMaxQueued(4);
         params->setKeepAlive(true);
+        params->setTimeout(Poco::Timespan(0, 300000));
         return params;
     }
 
@@ -203,6 +204,26 @@ TEST_F(HttpServerConnectionTest, AnswersAHeadWithTooManyFieldsWith400AndCloses)
     EXPECT_EQ(statusLine(answer), "HTTP/1.1 400 Bad Request");
     EXPECT_TRUE(closes(answer)) << answer;
     EXPECT_EQ(body(answer), "{\"code\":400,\"message\":\"malformed request head\",\"status\":\"error\"}");
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(HttpServerConnectionTest, AnswersAHeadThatStallsBeyondTheTimeOutWith408AndCloses)
+{
+    const std::string answer = exchange("GET /speed HTTP/1.1\r\nHost: local");
+
+    EXPECT_EQ(statusLine(answer), "HTTP/1.1 408 Request Time-out");
+    EXPECT_TRUE(closes(answer)) << answer;
+    EXPECT_EQ(body(answer), "{\"code\":408,\"message\":\"request head timed out\",\"status\":\"error\"}");
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(HttpServerConnectionTest, ClosesAConnectionWithoutAnswerWhenTheClientLeavesBeforeItsRequest)
+{
+    Poco::Net::StreamSocket socket = connect();
+
+    socket.shutdownSend();
+
+    EXPECT_EQ(receiveAll(socket), "");
     EXPECT_EQ(calls, 0);
 }
 

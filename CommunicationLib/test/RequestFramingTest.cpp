@@ -174,4 +174,27 @@ TEST(RequestFraming, JudgesTheVersionBeforeTheLength)
     expectRefused(check("FOO/1.1", {{"Content-Length", "-5"}}), 400, "malformed HTTP version");
 }
 
+TEST(RequestFramingTest, RefusesAHeaderNameOutsideAscii)
+{
+    expectRefused(check("HTTP/1.1", {{"X-F\xc3\xbc\xc3\x9f" "e", "1"}}), 400, "malformed header name");
+}
+
+TEST(RequestFramingTest, RefusesAHeaderNameWithASpace)
+{
+    expectRefused(check("HTTP/1.1", {{"X Field", "1"}}), 400, "malformed header name");
+}
+
+TEST(RequestFramingTest, RefusesAnEmptyHeaderName)
+{
+    expectRefused(check("HTTP/1.1", {{"", "1"}}), 400, "malformed header name");
+}
+
+TEST(RequestFramingTest, AcceptsHeaderNamesOfEveryTokenCharacter)
+{
+    const Verdict verdict = check("HTTP/1.1", {{"!#$%&'*+-.^_`|~09azAZ", "1"}});
+
+    EXPECT_EQ(verdict.status, 200);
+    EXPECT_EQ(verdict.message, "");
+}
+
 } // namespace

@@ -10,6 +10,7 @@
 
 #include <Poco/Exception.h>
 #include <Poco/Net/HTTPRequest.h>
+#include <Poco/Net/NetException.h>
 #include <Poco/SharedPtr.h>
 #include <Poco/SynchronizedObject.h>
 
@@ -80,6 +81,44 @@ bool isPreconditionFailed(const Poco::Net::HTTPRequest& request)
     return Net::HTTPCacheHandler::checkRequestHeader(request) == Net::HTTPCacheHandler::PRECONDITION_FAILED;
 }
 
+// Reads the body of the request into memory, or answers the request and returns false. A request that
+// fails its precondition is left unread, for the worker to answer it so.
+bool readBody(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response,
+              std::size_t maxBodySize, std::optional<Net::BufferedServerRequest>& buffered)
+{
+    // An unread body, or the bytes that the strict chunk reader takes beyond the body, would be read as
+    // the next request.
+    const bool preconditionFailed = isPreconditionFailed(request);
+    if (preconditionFailed || request.getChunkedTransferEncoding())
+    {
+        response.setKeepAlive(false);
+    }
+    if (preconditionFailed)
+    {
+        return true;
+    }
+    try
+    {
+        buffered.emplace(request, maxBodySize);
+        return true;
+    }
+    catch (const Net::BodyTooLargeException& exception)
+    {
+        Net::HTTPEncoderDecoder coder(request, response);
+        refuseBodyTooLarge(request, response, coder, exception);
+    }
+    catch (const Poco::TimeoutException&)
+    {
+        refuse(request, response, HTTPResponse::HTTP_REQUEST_TIMEOUT,
+               Net::BufferedServerRequest::MSG_BODY_TIMED_OUT);
+    }
+    catch (const Poco::Net::MessageException& exception)
+    {
+        refuse(request, response, HTTPResponse::HTTP_BAD_REQUEST, exception.message());
+    }
+    return false;
+}
+
 } // namespace
 
 HttpRequestHandlerBase::HttpRequestHandlerBase(Util::MessageSync& messageSync)
@@ -111,25 +150,12 @@ void HttpRequestHandlerBase::handleRequest(Poco::Net::HTTPServerRequest& request
         return;
     }
 
-    // The body is read here, so that a client that stalls holds its own thread and never the worker. A
-    // request that fails its precondition is answered without its body being read.
+    // The body is read here, so that a client that stalls holds its own thread and never the worker.
     std::optional<Net::BufferedServerRequest> buffered;
-    if (Net::BufferedServerRequest::hasBody(request) && !isPreconditionFailed(request))
+    if (Net::BufferedServerRequest::hasBody(request))
     {
-        try
+        if (!readBody(request, response, m_maxBodySize, buffered))
         {
-            buffered.emplace(request, m_maxBodySize);
-        }
-        catch (const Net::BodyTooLargeException& exception)
-        {
-            Net::HTTPEncoderDecoder coder(request, response);
-            refuseBodyTooLarge(request, response, coder, exception);
-            return;
-        }
-        catch (const Poco::TimeoutException&)
-        {
-            refuse(request, response, HTTPResponse::HTTP_REQUEST_TIMEOUT,
-                   Net::BufferedServerRequest::MSG_BODY_TIMED_OUT);
             return;
         }
         // The worker may have filled up while the body came in.

@@ -947,4 +947,53 @@ TEST_F(HttpRequestHandlerBaseTest, LeavesTheBodyOfAConditionalPostUnread)
     EXPECT_EQ(script.calls, 0);
 }
 
+TEST_F(HttpRequestHandlerBaseTest, RefusesABodyThatEndsBeforeItsLengthWith400BeforeTheWorkerSeesIt)
+{
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+    Poco::Net::StreamSocket socket = openExchange("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                                  "Content-Length: 100\r\n\r\n{\"value\":88}");
+    socket.shutdownSend();
+
+    const std::string received = finishExchange(socket, "");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "request body incomplete");
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Refused request (/vehicle/speed): request body incomplete"});
+}
+
+TEST_F(HttpRequestHandlerBaseTest, RefusesAChunkSizeThatIsNotHexadecimalWith400BeforeTheWorkerSeesIt)
+{
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "Transfer-Encoding: chunked\r\n\r\nzz\r\n{}\r\n0\r\n\r\n");
+
+    expectRefusedAndClosed(received, "HTTP/1.1 400 Bad Request", 400, "malformed chunked body");
+    EXPECT_EQ(script.calls, 0);
+    expectTheServerToAnswerTheNextClient();
+}
+
+TEST_F(HttpRequestHandlerBaseTest, ClosesTheConnectionAfterAChunkedRequest)
+{
+    const std::string received = exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n"
+                                             "Transfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n0\r\n\r\n"
+                                             "DELETE /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n\r\n");
+
+    EXPECT_EQ(received.substr(0, received.find("\r\n")), "HTTP/1.1 201 Created");
+    EXPECT_NE(received.find("\r\nConnection: Close\r\n"), std::string::npos) << received;
+    EXPECT_EQ(received.find("HTTP/1.1", 1), std::string::npos) << received;
+    EXPECT_EQ(script.calls, 1);
+}
+
+TEST_F(HttpRequestHandlerBaseTest, ClosesTheConnectionAfterAPreconditionFailureLeftItsBodyUnread)
+{
+    const std::string received =
+        exchangeRaw("POST /vehicle/speed HTTP/1.1\r\nHost: localhost\r\nIf-Match: *\r\n"
+                    "Content-Length: 51\r\n\r\n"
+                    "DELETE /vehicle/speed HTTP/1.1\r\nHost: localhost\r\n\r\n");
+
+    EXPECT_EQ(received.substr(0, received.find("\r\n")), "HTTP/1.1 412 Precondition Failed");
+    EXPECT_NE(received.find("\r\nConnection: Close\r\n"), std::string::npos) << received;
+    EXPECT_EQ(received.find("HTTP/1.1", 1), std::string::npos) << received;
+    EXPECT_EQ(script.calls, 0);
+}
+
 } // namespace

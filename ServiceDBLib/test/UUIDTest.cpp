@@ -138,4 +138,40 @@ TEST(UUID, SwapExchangesBothForms)
     EXPECT_EQ(other.get(), Poco::UUID(LOWER_TEXT));
 }
 
+TEST(UUID, ParsesTheDashedFormAndTheFormWithoutDashes)
+{
+    Poco::UUID dashed;
+    Poco::UUID plain;
+
+    EXPECT_TRUE(Orvi::DBData::UUID::parse("a0000003-0000-4000-8000-00000000000f", dashed));
+    EXPECT_TRUE(Orvi::DBData::UUID::parse("a000000300004000800000000000000f", plain));
+    EXPECT_EQ(dashed, plain);
+    EXPECT_EQ(dashed.toString(), "a0000003-0000-4000-8000-00000000000f");
+}
+
+TEST(UUID, ParseRefusesTextAfterTheUuid)
+{
+    Poco::UUID parsed;
+
+    EXPECT_FALSE(Orvi::DBData::UUID::parse("a0000003-0000-4000-8000-00000000000fzzz", parsed));
+    EXPECT_FALSE(
+        Orvi::DBData::UUID::parse(std::string("a0000003-0000-4000-8000-00000000000f\0", 37), parsed));
+    EXPECT_FALSE(Orvi::DBData::UUID::parse("a000000300004000800000000000000f0000", parsed));
+}
+
+TEST(UUID, ParseRefusesDashesOutOfPlace)
+{
+    Poco::UUID parsed;
+
+    EXPECT_FALSE(Orvi::DBData::UUID::parse("a00000030-000-4000-8000-00000000000f", parsed));
+}
+
+TEST(UUID, AssignRefusesTextAfterTheUuid)
+{
+    Orvi::DBData::UUID sut;
+
+    EXPECT_FALSE(sut.assign("a0000003-0000-4000-8000-00000000000fzzz"));
+    EXPECT_TRUE(sut.isEmpty());
+}
+
 } // namespace

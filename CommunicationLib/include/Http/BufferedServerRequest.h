@@ -18,12 +18,16 @@ class BufferedServerRequest : public Poco::Net::HTTPServerRequest
 public:
     static const std::string MSG_BODY_TIMED_OUT;
     /// "request body timed out"
+    static const std::string MSG_BODY_INCOMPLETE;
+    /// "request body incomplete"
 
     BufferedServerRequest(Poco::Net::HTTPServerRequest& request, std::size_t maxBodySize);
-    /// Reads the whole body. A body announced longer than maxBodySize is left unread, for the receiver to
-    /// refuse by its Content-Length. Throws BodyTooLargeException for chunks adding up to more than
-    /// maxBodySize bytes and Poco::TimeoutException when the client stalls longer than the
-    /// session's time-out, and passes on network errors.
+    /// Reads the whole body; chunks on a server connection strictly (ChunkedBodyReader). A body announced
+    /// longer than maxBodySize is left unread, for the receiver to refuse by its Content-Length. Throws
+    /// BodyTooLargeException for chunks adding up to more than maxBodySize bytes,
+    /// Poco::Net::MessageException for malformed chunks or a body that ends before its length
+    /// (MSG_BODY_INCOMPLETE), Poco::TimeoutException when the client stalls longer than the session's
+    /// time-out, and passes on network errors.
 
     BufferedServerRequest(const BufferedServerRequest&) = delete;
     BufferedServerRequest& operator=(const BufferedServerRequest&) = delete;

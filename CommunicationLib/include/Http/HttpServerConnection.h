@@ -19,14 +19,16 @@ namespace Orvi::Net
 
 /// Serves the requests of one connection, one after the other, with the handlers of the factory. Every
 /// request gets an answer: one whose head cannot be read or whose Content-Length is not a number is
-/// answered 400 and the connection closed. While other connections wait for a server thread, each
-/// answer closes its connection, and a kept-alive connection gives its thread up as soon as it idles, so
-/// that a few busy or idle clients cannot keep the others waiting.
+/// answered 400, one whose head stalls beyond the time-out 408, and the connection closed. While other
+/// connections wait for a server thread, each answer closes its connection, and a kept-alive connection gives
+/// its thread up as soon as it idles, so that a few busy or idle clients cannot keep the others waiting.
 class HttpServerConnection : public Poco::Net::TCPServerConnection
 {
 public:
     static const std::string MSG_MALFORMED_HEAD;
     /// "malformed request head"
+    static const std::string MSG_HEAD_TIMED_OUT;
+    /// "request head timed out"
     static const std::string MSG_NO_HANDLER;
     /// "no handler for the request"
 

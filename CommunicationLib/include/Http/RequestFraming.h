@@ -22,13 +22,16 @@ public:
     /// "malformed Content-Length"
     static const std::string MSG_CONFLICTING_LENGTHS;
     /// "conflicting body lengths"
+    static const std::string MSG_MALFORMED_HEADER_NAME;
+    /// "malformed header name"
 
     static Poco::Net::HTTPResponse::HTTPStatus check(const Poco::Net::HTTPRequest& request,
                                                      std::string& message);
     /// HTTP_OK for a sound request. Otherwise the status to answer with (400, or 505 for a major
-    /// version other than 1), and its message: a version that is not "HTTP/<digit>.<digit>", a
-    /// Content-Length that is not a number of at most 63 bits, two Content-Length headers that differ,
-    /// or a Content-Length beside a Transfer-Encoding.
+    /// version other than 1), and its message: a version that is not "HTTP/<digit>.<digit>", a header
+    /// name that is not a token of letters, digits and !#$%&'*+-.^_`|~, a Content-Length that is not a number
+    /// of at most 63 bits, two Content-Length headers that differ, or a Content-Length beside a
+    /// Transfer-Encoding.
 };
 
 } // namespace Orvi::Net

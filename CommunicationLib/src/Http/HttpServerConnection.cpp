@@ -24,6 +24,7 @@ namespace Orvi::Net
 using Poco::Net::HTTPResponse;
 
 const std::string HttpServerConnection::MSG_MALFORMED_HEAD = "malformed request head";
+const std::string HttpServerConnection::MSG_HEAD_TIMED_OUT = "request head timed out";
 const std::string HttpServerConnection::MSG_NO_HANDLER = "no handler for the request";
 const Poco::Timespan HttpServerConnection::IDLE_SLICE(0, 100000);
 
@@ -38,6 +39,16 @@ public:
 
     bool hasBufferedBytes() const { return buffered() > 0; }
 };
+
+bool isTimeout(const Poco::Exception* exception)
+{
+    return dynamic_cast<const Poco::TimeoutException*>(exception) != nullptr;
+}
+
+bool isTimeout(const Poco::Exception& exception)
+{
+    return isTimeout(&exception);
+}
 
 void refuse(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus status,
             const std::string& message)
@@ -102,24 +113,25 @@ void HttpServerConnection::run()
         {
             request.emplace(response, session, m_params);
         }
-        catch (const Poco::Net::NoMessageException&)
-        {
-            break;
-        }
         catch (const Poco::SyntaxException&)
         {
             // Only a Content-Length that is not a number fails this way: where the body ends is unknown.
             refuse(session, HTTPResponse::HTTP_BAD_REQUEST, RequestFraming::MSG_MALFORMED_CONTENT_LENGTH);
             break;
         }
-        catch (const Poco::Net::MessageException&)
+        catch (const Poco::Exception& exception)
         {
-            refuse(session, HTTPResponse::HTTP_BAD_REQUEST, MSG_MALFORMED_HEAD);
-            break;
-        }
-        catch (const Poco::Exception&)
-        {
-            // The client went away or stalled in the middle of its head.
+            // The head reader may end a head that stalls as if it ended there; the session keeps the cause.
+            if (isTimeout(exception) || isTimeout(session.networkException()))
+            {
+                refuse(session, HTTPResponse::HTTP_REQUEST_TIMEOUT, MSG_HEAD_TIMED_OUT);
+            }
+            else if (dynamic_cast<const Poco::Net::MessageException*>(&exception) != nullptr &&
+                     dynamic_cast<const Poco::Net::NoMessageException*>(&exception) == nullptr)
+            {
+                refuse(session, HTTPResponse::HTTP_BAD_REQUEST, MSG_MALFORMED_HEAD);
+            }
+            // Otherwise the client went away, or closed before it sent anything.
             break;
         }
         if (!serve(session, *request, response))

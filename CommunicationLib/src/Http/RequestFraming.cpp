@@ -15,6 +15,7 @@ const std::string RequestFraming::MSG_MALFORMED_VERSION = "malformed HTTP versio
 const std::string RequestFraming::MSG_VERSION_NOT_SUPPORTED = "HTTP version not supported";
 const std::string RequestFraming::MSG_MALFORMED_CONTENT_LENGTH = "malformed Content-Length";
 const std::string RequestFraming::MSG_CONFLICTING_LENGTHS = "conflicting body lengths";
+const std::string RequestFraming::MSG_MALFORMED_HEADER_NAME = "malformed header name";
 
 namespace
 {
@@ -46,6 +47,24 @@ bool isLength(const std::string& value)
     return value.size() < LARGEST.size() || value <= LARGEST;
 }
 
+// A token of HTTP: letters, digits and !#$%&'*+-.^_`|~.
+bool isToken(const std::string& name)
+{
+    static const std::string SYMBOLS = "!#$%&'*+-.^_`|~";
+    if (name.empty())
+    {
+        return false;
+    }
+    for (const char c : name)
+    {
+        if (!Poco::Ascii::isAlphaNumeric(c) && SYMBOLS.find(c) == std::string::npos)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 HTTPResponse::HTTPStatus RequestFraming::check(const Poco::Net::HTTPRequest& request, std::string& message)
@@ -60,6 +79,15 @@ HTTPResponse::HTTPStatus RequestFraming::check(const Poco::Net::HTTPRequest& req
     {
         message = MSG_VERSION_NOT_SUPPORTED;
         return HTTPResponse::HTTP_VERSION_NOT_SUPPORTED;
+    }
+
+    for (const auto& header : request)
+    {
+        if (!isToken(header.first))
+        {
+            message = MSG_MALFORMED_HEADER_NAME;
+            return HTTPResponse::HTTP_BAD_REQUEST;
+        }
     }
 
     // Headers of one name follow each other in the collection.

@@ -121,7 +121,7 @@ bool JSONDataCache::insertXObject(const std::string& service, const std::string&
 {
     XObject xobj{Element::Ptr()};
     Poco::UUID requested;
-    if (requested.tryParse(newUUID) && requested != Poco::UUID::null())
+    if (DBData::UUID::parse(newUUID, requested) && requested != Poco::UUID::null())
     {
         xobj.setId(DBData::UUID(requested));
     }

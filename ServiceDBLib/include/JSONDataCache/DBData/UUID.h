@@ -17,6 +17,10 @@ struct UUID
 
     explicit UUID(const Poco::UUID& uuid);
 
+    static bool parse(const std::string& text, Poco::UUID& parsed);
+    /// Parses the whole text as a UUID, 36 characters with dashes or 32 without. Unlike
+    /// Poco::UUID::tryParse, text after the UUID makes it fail.
+
     bool assign(const std::string& text);
     /// Empty text clears; otherwise keeps the text verbatim if it parses. False leaves this unchanged.
 

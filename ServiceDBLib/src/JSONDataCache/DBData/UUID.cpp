@@ -20,6 +20,16 @@ UUID::UUID(const Poco::UUID& uuid)
     assign(uuid);
 }
 
+bool UUID::parse(const std::string& text, Poco::UUID& parsed)
+{
+    constexpr std::size_t WITH_DASHES = 36;
+    constexpr std::size_t WITHOUT_DASHES = 32;
+    const bool dashed =
+        text.size() == WITH_DASHES && text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-';
+    return (dashed || (text.size() == WITHOUT_DASHES && text.find('-') == std::string::npos)) &&
+           parsed.tryParse(text);
+}
+
 bool UUID::assign(const std::string& text)
 {
     if (text.empty())
@@ -29,7 +39,7 @@ bool UUID::assign(const std::string& text)
         return true;
     }
     Poco::UUID parsed;
-    if (!parsed.tryParse(text))
+    if (!parse(text, parsed))
     {
         return false;
     }

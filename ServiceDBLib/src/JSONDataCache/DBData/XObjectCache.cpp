@@ -86,7 +86,7 @@ bool XObjectCache::exists(const Poco::UUID& uuid) const
 bool XObjectCache::exists(const std::string& uuid) const
 {
     Poco::UUID parsed;
-    return parsed.tryParse(uuid) && exists(parsed);
+    return UUID::parse(uuid, parsed) && exists(parsed);
 }
 
 bool XObjectCache::get(DbId id, XObject& retObject, bool copyValues) const
@@ -103,7 +103,7 @@ bool XObjectCache::get(DbId id, XObject& retObject, bool copyValues) const
 bool XObjectCache::get(const std::string& uuid, XObject& retObject, bool copyValues) const
 {
     Poco::UUID parsed;
-    if (!parsed.tryParse(uuid))
+    if (!UUID::parse(uuid, parsed))
     {
         return false;
     }
@@ -137,7 +137,7 @@ XObject::Ptr XObjectCache::get(const Poco::UUID& uuid) const
 XObject::Ptr XObjectCache::get(const std::string& uuid) const
 {
     Poco::UUID parsed;
-    return parsed.tryParse(uuid) ? get(parsed) : XObject::Ptr();
+    return UUID::parse(uuid, parsed) ? get(parsed) : XObject::Ptr();
 }
 
 bool XObjectCache::updateValue(const DbId& xObjId, const DbId& avalId, const Poco::Dynamic::Var& value)
@@ -190,7 +190,7 @@ void XObjectCache::removeObject(const Poco::UUID& uuid)
 void XObjectCache::removeObject(const std::string& uuid)
 {
     Poco::UUID parsed;
-    if (parsed.tryParse(uuid))
+    if (UUID::parse(uuid, parsed))
     {
         removeObject(parsed);
     }
