@@ -36,9 +36,9 @@ std::string describe(const Poco::Net::StreamSocket& socket)
     }
 }
 
-/// One refused connection: it is given time to send its head, is answered, and is given time to close.
-/// An answer sent while the request still comes in would be lost: closing a socket with unread data
-/// resets the connection.
+/// One refused connection: it is given time to send its head, is answered, and is given time to send
+/// the rest of what it was sending. An answer sent while the request still comes in would be lost:
+/// closing a socket with unread data resets the connection.
 class Refusal
 {
 public:
@@ -68,7 +68,8 @@ public:
                 answer();
             }
         }
-        return true;
+        // Once answered, the connection may close as soon as nothing it sent is left unread.
+        return !m_answered || m_socket.available() > 0;
     }
 
     /// False once the connection is done with.
