@@ -65,6 +65,9 @@ private:
     std::function<bool()> m_othersWaiting;
     std::atomic<bool> m_stopped{false};
     Poco::FastMutex m_mutex;
+    /// Held while a request is served.
+    Poco::FastMutex m_socketMutex;
+    /// Guards the connection's socket between stopping and a handler's taking it over.
 };
 
 } // namespace Orvi::Net

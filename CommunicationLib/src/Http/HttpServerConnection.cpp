@@ -138,19 +138,29 @@ void HttpServerConnection::run()
         {
             break;
         }
+        if (!session.connected())
+        {
+            // A handler took the socket over, as a WebSocket upgrade does: stopping the server must leave
+            // it alone.
+            Poco::FastMutex::ScopedLock socketLock(m_socketMutex);
+            socket() = Poco::Net::StreamSocket();
+            break;
+        }
     }
 }
 
 bool HttpServerConnection::awaitNextRequest(Poco::Net::HTTPServerSession& session)
 {
-    if (!session.getKeepAlive())
+    // A handler that took the connection over, as a WebSocket upgrade does, has detached the session's
+    // socket.
+    if (!session.getKeepAlive() || !session.connected())
     {
         return false;
     }
     // Waits in slices, so that a connection waiting for a thread takes over this one's while it idles.
     Poco::Timespan waited;
     while (!static_cast<ServerSession&>(session).hasBufferedBytes() &&
-           !socket().poll(IDLE_SLICE, Poco::Net::Socket::SELECT_READ))
+           !session.socket().poll(IDLE_SLICE, Poco::Net::Socket::SELECT_READ))
     {
         waited += IDLE_SLICE;
         if (m_stopped || m_othersWaiting() || waited >= m_params->getKeepAliveTimeout())
@@ -207,17 +217,21 @@ bool HttpServerConnection::serve(Poco::Net::HTTPServerSession& session, Poco::Ne
 void HttpServerConnection::onServerStopped(const bool& abortCurrent)
 {
     m_stopped = true;
+    // Without abortCurrent the request being served is finished first.
+    std::optional<Poco::FastMutex::ScopedLock> requestLock;
+    if (!abortCurrent)
+    {
+        requestLock.emplace(m_mutex);
+    }
+    Poco::FastMutex::ScopedLock socketLock(m_socketMutex);
     try
     {
-        if (abortCurrent)
+        if (socket().impl()->initialized())
         {
             socket().shutdown();
-            return;
         }
-        Poco::FastMutex::ScopedLock lock(m_mutex);
-        socket().shutdown();
     }
-    catch (...)
+    catch (const Poco::Exception&)
     {
         // The client may have closed the connection already.
     }
