@@ -1,6 +1,6 @@
-// A POCO HTTP server that answers every request with one fixed JSON body read from a file.
-// It does no work per request beyond what POCO itself does, so its rate is the ceiling that any
-// server built on the same POCO HTTP stack can reach on this machine.
+// An HTTP server on the library's own server (Orvi::Net::HttpServer over POCO) that answers every
+// request with one fixed JSON body read from a file. It does no work per request beyond what that
+// stack does, so its rate is the ceiling that the example, served the same way, can reach here.
 //
 // With --hand-off the server threads do what ours do: queue the exchange for one worker thread, which
 // sends the answer, and wait until it has. Its rate is the ceiling of that threading model.
@@ -8,9 +8,10 @@
 // Usage: fixed-body-server [--hand-off] PORT BODY_FILE [THREADS]
 // Listens on 127.0.0.1 only and runs until SIGINT or SIGTERM.
 
+#include "Http/HttpServer.h"
+
 #include <Poco/Net/HTTPRequestHandler.h>
 #include <Poco/Net/HTTPRequestHandlerFactory.h>
-#include <Poco/Net/HTTPServer.h>
 #include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerResponse.h>
@@ -199,7 +200,7 @@ int main(int argc, char** argv)
         params->setMaxThreads(threads);
         params->setKeepAlive(true);
         Poco::ThreadPool pool(2, threads);
-        Poco::Net::HTTPServer server(new FixedBodyHandlerFactory(readFile(argv[first + 1]), handOff), pool,
+        Orvi::Net::HttpServer server(new FixedBodyHandlerFactory(readFile(argv[first + 1]), handOff), pool,
                                      socket, params);
         server.start();
         std::cout << "fixed-body-server listening on 127.0.0.1:" << port << std::endl;

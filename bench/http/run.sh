@@ -74,8 +74,11 @@ build_servers() {
     if [ "${SKIP_BUILD:-0}" != 1 ] || [ ! -x "$fixed_body_server" ]; then
         if [ ! -x "$fixed_body_server" ] || [ "$here/FixedBodyServer.cpp" -nt "$fixed_body_server" ]; then
             log "building fixed-body-server"
+            # It serves with the library's own HTTP server, as the example does.
             g++ -std=c++17 -O2 -Wall -Wextra -Wpedantic -o "$fixed_body_server" "$here/FixedBodyServer.cpp" \
-                -lPocoNet -lPocoFoundation -pthread
+                -I "$root/CommunicationLib/include" -L "$root/build/default/CommunicationLib" \
+                -Wl,-rpath,"$root/build/default/CommunicationLib" -lCommunicationLib -lPocoNet -lPocoFoundation \
+                -pthread
         fi
     fi
     if [ ! -x "$example" ]; then
