@@ -221,6 +221,31 @@ TEST_F(HttpServerTest, ServesAWaitingConnectionOnceAThreadIsFree)
     EXPECT_NE(answer.find("\r\nConnection: Keep-Alive\r\n"), std::string::npos) << answer;
 }
 
+TEST_F(HttpServerTest, HandsTheThreadOfAConnectionThatSendsNothingToAWaitingOne)
+{
+    // A queue with room for both, so that neither is refused.
+    Poco::Net::HTTPServerParams::Ptr params = makeParams();
+    params->setMaxQueued(4);
+    Poco::ThreadPool onePool(1, 1);
+    Orvi::Net::HttpServer roomy(new GateHandlerFactory(entered, open), onePool,
+                                Poco::Net::ServerSocket(Poco::Net::SocketAddress("127.0.0.1", 0)), params);
+    roomy.start();
+    Poco::Net::StreamSocket silent(Poco::Net::SocketAddress("127.0.0.1", roomy.port()));
+    silent.setReceiveTimeout(Poco::Timespan(10, 0));
+
+    Poco::Net::StreamSocket waiting(Poco::Net::SocketAddress("127.0.0.1", roomy.port()));
+    waiting.setReceiveTimeout(Poco::Timespan(10, 0));
+    const std::string bytes = "GET /waiting HTTP/1.1\r\nHost: localhost\r\n\r\n";
+    waiting.sendBytes(bytes.data(), static_cast<int>(bytes.size()));
+    const std::string answer = receiveAnswer(waiting);
+    const std::string silentGot = receiveAll(silent);
+    roomy.stopAll(true);
+    onePool.joinAll();
+
+    EXPECT_EQ(statusLine(answer), "HTTP/1.1 200 OK");
+    EXPECT_EQ(silentGot, "");
+}
+
 TEST_F(HttpServerTest, KeepsAConnectionAliveWhileNoneWaits)
 {
     Poco::Net::StreamSocket socket = request("/alone");

@@ -166,6 +166,7 @@ public:
     using Orvi::JSONDataCache::JSONDataCache::JSONDataCache;
 
     const Orvi::DBData::XObjectCache& store() const { return m_xobjCache; }
+    using Orvi::JSONDataCache::JSONDataCache::isDanglingSuspect;
 };
 
 } // namespace ServiceDB::Test::Fleet

@@ -4,6 +4,7 @@
 #include "JSONDataCache/DBData/Attribute.h"
 #include "JSONDataCache/DBData/AttributeType.h"
 #include "JSONDataCache/DBData/AttributeValue.h"
+#include "JSONDataCache/DBData/ConstraintOneOf.h"
 #include "JSONDataCache/DBData/Element.h"
 #include "JSONDataCache/DBData/Index/IndexEntry.h"
 #include "JSONDataCache/DBData/UUID.h"
@@ -117,6 +118,13 @@ protected:
     IndexGroup find(const std::string& resource, const std::string& attribute, const Var& value)
     {
         return element(resource).getIndexes().at(attribute)->find(value);
+    }
+
+    // Lets the attribute of cars name only the targets of the constraint.
+    void constrain(const std::string& attribute, const Poco::SharedPtr<Orvi::DBData::aConstraint>& targets)
+    {
+        Orvi::DBData::Attribute::Ptr constrained = element("cars").getAttributes().at(attribute);
+        constrained->setConstraints({targets});
     }
 
     ServiceMap services = makeFleet();
@@ -798,6 +806,34 @@ TEST_F(JSONDataCacheMutationTest, RefusesAnArrayValueThatHoldsNoArray)
                     "N4Poco9SharedPtrISt6vectorINS_7Dynamic3VarESaIS3_EENS_16ReferenceCounterENS_"
                     "13ReleasePolicyIS5_EEEE."});
     EXPECT_EQ(storedValue(CAR_1, "tags"), "null");
+}
+
+TEST_F(JSONDataCacheMutationTest, SuspectsOnlyTheElementsWhoseReferencesMayNameTheObjectThatIsGone)
+{
+    Poco::SharedPtr<Orvi::DBData::ConstraintOneOf> people(new Orvi::DBData::ConstraintOneOf);
+    people->setClasses({"fleet.people.person"});
+    constrain("driver", people);
+    constrain("passengers", people);
+    insert("spots", SPOT_1, "garage");
+
+    sut.deleteXObject(SPOT_1);
+
+    EXPECT_FALSE(sut.isDanglingSuspect(element("cars").getDBID()));
+    EXPECT_TRUE(sut.isDanglingSuspect(element("people").getDBID()));
+    EXPECT_FALSE(sut.isDanglingSuspect(element("spots", "garage").getDBID()));
+}
+
+TEST_F(JSONDataCacheMutationTest, SuspectsAnElementWhoseReferencesMayNameTheResourceOfTheObjectThatIsGone)
+{
+    Poco::SharedPtr<Orvi::DBData::ConstraintOneOf> people(new Orvi::DBData::ConstraintOneOf);
+    people->setClasses({"FLEET.People.person"});
+    constrain("driver", people);
+    insert("people", PERSON_1);
+
+    sut.deleteXObject(PERSON_1);
+
+    EXPECT_TRUE(sut.isDanglingSuspect(element("cars").getDBID()));
+    EXPECT_TRUE(sut.isDanglingSuspect(element("people").getDBID()));
 }
 
 } // namespace

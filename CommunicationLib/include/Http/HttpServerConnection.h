@@ -20,8 +20,9 @@ namespace Orvi::Net
 /// Serves the requests of one connection, one after the other, with the handlers of the factory. Every
 /// request gets an answer: one whose head cannot be read or whose Content-Length is not a number is
 /// answered 400, one whose head stalls beyond the time-out 408, and the connection closed. While other
-/// connections wait for a server thread, each answer closes its connection, and a kept-alive connection gives
-/// its thread up as soon as it idles, so that a few busy or idle clients cannot keep the others waiting.
+/// connections wait for a server thread, each answer closes its connection, and a connection that is
+/// silent, before its first request or between two, gives its thread up within IDLE_SLICE, so that a
+/// few busy or silent clients cannot keep the others waiting.
 class HttpServerConnection : public Poco::Net::TCPServerConnection
 {
 public:
@@ -46,12 +47,12 @@ public:
     void run() override;
 
     static const Poco::Timespan IDLE_SLICE;
-    /// How often a kept-alive connection that waits for its next request looks for connections waiting
+    /// How often a connection that waits for its first or next request looks for connections waiting
     /// for a thread: 100 ms.
 
 private:
-    bool awaitNextRequest(Poco::Net::HTTPServerSession& session);
-    /// Waits for the next request of a kept-alive connection; false when the connection is to end.
+    bool awaitRequest(Poco::Net::HTTPServerSession& session, bool first);
+    /// Waits for the connection's first or next request; false when the connection is to end.
 
     bool serve(Poco::Net::HTTPServerSession& session, Poco::Net::HTTPServerRequest& request,
                Poco::Net::HTTPServerResponse& response);

@@ -99,7 +99,7 @@ void HttpServerConnection::run()
 {
     ServerSession session(socket(), m_params);
     bool first = true;
-    while (!m_stopped && (first ? session.hasMoreRequests() : awaitNextRequest(session)))
+    while (!m_stopped && awaitRequest(session, first))
     {
         first = false;
         Poco::FastMutex::ScopedLock lock(m_mutex);
@@ -149,21 +149,23 @@ void HttpServerConnection::run()
     }
 }
 
-bool HttpServerConnection::awaitNextRequest(Poco::Net::HTTPServerSession& session)
+bool HttpServerConnection::awaitRequest(Poco::Net::HTTPServerSession& session, bool first)
 {
     // A handler that took the connection over, as a WebSocket upgrade does, has detached the session's
     // socket.
-    if (!session.getKeepAlive() || !session.connected())
+    if (!first && (!session.getKeepAlive() || !session.connected()))
     {
         return false;
     }
-    // Waits in slices, so that a connection waiting for a thread takes over this one's while it idles.
+    // Waits in slices, so that a connection waiting for a thread takes over this one's while it is silent:
+    // a client that connected and sends nothing, or a kept-alive one between its requests.
+    const Poco::Timespan limit = first ? m_params->getTimeout() : m_params->getKeepAliveTimeout();
     Poco::Timespan waited;
     while (!static_cast<ServerSession&>(session).hasBufferedBytes() &&
            !session.socket().poll(IDLE_SLICE, Poco::Net::Socket::SELECT_READ))
     {
         waited += IDLE_SLICE;
-        if (m_stopped || m_othersWaiting() || waited >= m_params->getKeepAliveTimeout())
+        if (m_stopped || m_othersWaiting() || waited >= limit)
         {
             return false;
         }

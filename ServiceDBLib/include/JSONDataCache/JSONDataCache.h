@@ -232,6 +232,10 @@ protected:
     /// Hands array and paging to the subscription answer; baseObj is not transmitted.
 
     DBData::XObjectCache m_xobjCache;
+
+    bool isDanglingSuspect(DBData::DbId element) const { return m_danglingSuspects.count(element) > 0; }
+    /// True while the element's objects may name an object that is gone, so that its queries take the
+    /// path that repairs them.
     /// Every object of this cache; kept in step with the elements' registries and indexes.
 
 private:
@@ -251,8 +255,10 @@ private:
     /// Gives the object that the request addresses as JSON text from its stored values; false when the
     /// answer needs its selection (a missing or dangling object, a deeper expansion, fields to pick).
 
-    void suspectDanglingReferences();
-    /// Marks every element with a reference attribute: an object they may name is gone.
+    void suspectDanglingReferences(const DBData::Element* goneFrom = nullptr);
+    /// Marks the elements that may name an object that is gone: with goneFrom, those with a reference
+    /// attribute that is free of targets or allows the resource of goneFrom; without, every element
+    /// with a reference attribute.
 
     void suspectDanglingReference(const DBData::Element& element, const std::vector<std::string>& uuids);
     /// Marks the element when a reference just written names an object that is not stored.

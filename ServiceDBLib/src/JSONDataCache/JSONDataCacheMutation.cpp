@@ -3,11 +3,15 @@
 
 #include "JSONDataCache/DBData/Attribute.h"
 #include "JSONDataCache/DBData/AttributeType.h"
+#include "JSONDataCache/DBData/ConstraintOneOf.h"
+#include "JSONDataCache/DBData/Resource.h"
+#include "JSONDataCache/DBData/Service.h"
 #include "JSONDataCache/DBData/UUID.h"
 #include "Logging/LogStream.h"
 
 #include <Poco/Bugcheck.h>
 #include <Poco/Exception.h>
+#include <Poco/String.h>
 #include <Poco/URI.h>
 #include <Poco/UUID.h>
 
@@ -169,7 +173,7 @@ bool JSONDataCache::deleteXObject(const std::string& uuid)
     // References to this object elsewhere stay; they are repaired when next read.
     m_xobjCache.removeObject(uuid);
     element->removeXObject(id);
-    suspectDanglingReferences();
+    suspectDanglingReferences(element.get());
     return true;
 }
 
@@ -382,8 +386,55 @@ bool JSONDataCache::updateCacheArrayAttributeValueById(const AttributeValue& att
     return true;
 }
 
-void JSONDataCache::suspectDanglingReferences()
+namespace
 {
+
+// Whether a reference of the attribute may name an object of the resource; one without a constraint
+// of targets may name any object.
+bool mayName(const DBData::Attribute& attribute, const std::string& service, const std::string& resource)
+{
+    for (const Poco::SharedPtr<DBData::aConstraint>& constraint : attribute.getConstraints())
+    {
+        const auto* targets = dynamic_cast<const DBData::ConstraintOneOf*>(constraint.get());
+        if (targets == nullptr)
+        {
+            continue;
+        }
+        for (const DBData::ConstraintOneOf::ElementType& target : targets->getAllowedReferences())
+        {
+            if (Poco::icompare(target.service, service) == 0 &&
+                Poco::icompare(target.resource, resource) == 0)
+            {
+                return true;
+            }
+        }
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void JSONDataCache::suspectDanglingReferences(const Element* goneFrom)
+{
+    // The service and resource of the element whose object is gone; none: any object may be gone.
+    const DBData::Service* goneService = nullptr;
+    const DBData::Resource* goneResource = nullptr;
+    for (const auto& service : m_serviceCache)
+    {
+        if (goneFrom == nullptr || service.second.isNull())
+        {
+            continue;
+        }
+        for (const auto& resource : service.second->getResources())
+        {
+            if (!resource.second.isNull() && resource.second->getElement().get() == goneFrom)
+            {
+                goneService = service.second.get();
+                goneResource = resource.second.get();
+            }
+        }
+    }
     for (const auto& service : m_serviceCache)
     {
         if (service.second.isNull())
@@ -400,7 +451,9 @@ void JSONDataCache::suspectDanglingReferences()
             }
             for (const auto& attribute : element->getAttributes())
             {
-                if (!attribute.second.isNull() && attribute.second->getType() == DBData::AttrType_Object)
+                if (!attribute.second.isNull() && attribute.second->getType() == DBData::AttrType_Object &&
+                    (goneResource == nullptr ||
+                     mayName(*attribute.second, goneService->getName(), goneResource->getName())))
                 {
                     m_danglingSuspects.insert(element->getDBID());
                     break;
