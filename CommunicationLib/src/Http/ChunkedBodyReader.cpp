@@ -59,7 +59,6 @@ ChunkedBodyReader::ChunkedBodyReader(Poco::Net::HTTPServerSession& session)
 {
     // What the session read ahead of the head belongs to the body.
     m_session.drainBuffer(m_buffer);
-    m_session.socket().setReceiveTimeout(m_session.getTimeout());
 }
 
 std::string ChunkedBodyReader::read(std::size_t maxBodySize)
