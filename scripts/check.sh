@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets up the machine, builds every preset that CI gates on, runs the whole test suite in each, checks
-# the Debian packages, cross-builds for AArch64 with the suite under emulation and checks the
-# formatting. Exits non-zero on the first failure.
+# the Debian packages, fuzzes every input path briefly, cross-builds for AArch64 with the suite under
+# emulation and checks the formatting. Exits non-zero on the first failure.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -21,6 +21,10 @@ for preset in "${presets[@]}"; do
         bash scripts/check-packages.sh default
     fi
 done
+
+echo "=== preset fuzz ==="
+# Six targets at 5 s each: a smoke of about 30 s that every seed and reproducer still passes.
+bash scripts/fuzz.sh 5
 
 echo "=== preset aarch64 ==="
 bash scripts/check-aarch64.sh

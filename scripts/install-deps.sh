@@ -3,7 +3,8 @@
 # all are present.
 set -euo pipefail
 
-packages=(cmake g++ make libpoco-dev libgtest-dev libgmock-dev libbenchmark-dev clang-format pkgconf lintian curl)
+packages=(cmake g++ make libpoco-dev libgtest-dev libgmock-dev libbenchmark-dev clang-format pkgconf lintian curl
+    clang-14 libclang-rt-14-dev)
 if [ "$#" -gt 0 ]; then
     packages=("$@")
 fi

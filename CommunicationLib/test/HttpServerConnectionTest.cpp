@@ -207,6 +207,20 @@ TEST_F(HttpServerConnectionTest, AnswersAHeadWithTooManyFieldsWith400AndCloses)
     EXPECT_EQ(calls, 0);
 }
 
+TEST_F(HttpServerConnectionTest, RefusesAMalformedVersionBeforeAnyHandlerSeesTheRequest)
+{
+    LogCapture capture(Poco::Message::PRIO_WARNING);
+
+    const std::string answer =
+        exchange("GET /speed : 1GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\n\r\n");
+
+    EXPECT_EQ(statusLine(answer), "HTTP/1.1 400 Bad Request");
+    EXPECT_TRUE(closes(answer)) << answer;
+    EXPECT_EQ(body(answer), "{\"code\":400,\"message\":\"malformed HTTP version\",\"status\":\"error\"}");
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(capture.lines(), Lines{"Warning: Refused request (/speed): malformed HTTP version"});
+}
+
 TEST_F(HttpServerConnectionTest, AnswersAHeadThatStallsBeyondTheTimeOutWith408AndCloses)
 {
     const std::string answer = exchange("GET /speed HTTP/1.1\r\nHost: local");

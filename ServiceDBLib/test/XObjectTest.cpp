@@ -9,6 +9,7 @@
 
 #include <string>
 #include <typeinfo>
+#include <vector>
 
 namespace
 {
@@ -58,6 +59,17 @@ struct Door
     AttributeValuePtr count{new AttributeValue(12, countAttribute, 2)};
     AttributeValuePtr secondCount{new AttributeValue(12, countAttribute, 3)};
 };
+
+// The elements of an array cell as texts.
+std::vector<std::string> textsOf(const AttributeValue& cell)
+{
+    std::vector<std::string> texts;
+    for (const Var& element : *cell.getValue().extract<AttributeValue::ValueArrayPtr>())
+    {
+        texts.push_back(element.convert<std::string>());
+    }
+    return texts;
+}
 
 TEST(XObject, IsEmptyAfterConstructionAndKeepsItsElement)
 {
@@ -194,6 +206,22 @@ TEST(XObject, MakesADeepSnapshotThatDoesNotTouchTheSource)
     sut.getValue("name")->setValue(Var("back"), false);
 
     EXPECT_EQ(door.name->getValue(), Var("front"));
+}
+
+TEST(XObject, MakesADeepSnapshotWhoseArraysDoNotTouchTheSource)
+{
+    Door door;
+    const Attribute::Ptr tagsAttribute(new Attribute("tags", AttrType_String, true));
+    AttributeValuePtr tags(new AttributeValue(12, tagsAttribute, 4));
+    tags->setValue(Var(AttributeValue::ValueArrayPtr(new AttributeValue::ValueArray{Var("a")})), false);
+    door.sut.setAttributeValues({door.name, tags});
+    XObject sut{Element::Ptr()};
+    sut.copyFrom(door.sut, true);
+
+    ASSERT_TRUE(sut.getValue("tags")->appendArrayValue(Var("b"), true));
+
+    EXPECT_EQ(textsOf(*tags), (std::vector<std::string>{"a"}));
+    EXPECT_EQ(textsOf(*sut.getValue("tags")), (std::vector<std::string>{"a", "b"}));
 }
 
 TEST(XObject, MakesASkeletonWithEmptyCellsWithoutValues)

@@ -50,13 +50,12 @@ bool isTimeout(const Poco::Exception& exception)
     return isTimeout(&exception);
 }
 
-void refuse(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus status,
-            const std::string& message)
+void sendRefusal(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus status,
+                 const std::string& message)
 {
     session.setKeepAlive(false);
     try
     {
-        LOG_WARNING("Refused request from " << session.clientAddress().toString() << ": " << message);
         Poco::Net::HTTPServerResponseImpl response(session);
         const std::string body = ErrorAnswer::prepare(response, status, message);
         response.send() << body << std::flush;
@@ -65,6 +64,21 @@ void refuse(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus stat
     {
         // The client is gone: nobody is left to answer.
     }
+}
+
+// For a request whose head could not be read: its address is unknown.
+void refuse(Poco::Net::HTTPServerSession& session, HTTPResponse::HTTPStatus status,
+            const std::string& message)
+{
+    try
+    {
+        LOG_WARNING("Refused request from " << session.clientAddress().toString() << ": " << message);
+    }
+    catch (const Poco::Exception&)
+    {
+        // The client is gone; the answer below fails quietly as well.
+    }
+    sendRefusal(session, status, message);
 }
 
 } // namespace
@@ -132,6 +146,16 @@ void HttpServerConnection::run()
                 refuse(session, HTTPResponse::HTTP_BAD_REQUEST, MSG_MALFORMED_HEAD);
             }
             // Otherwise the client went away, or closed before it sent anything.
+            break;
+        }
+        // Checked for every handler, a WebSocket upgrade's too, before any of them answers in the
+        // request's version.
+        std::string fault;
+        const HTTPResponse::HTTPStatus framing = RequestFraming::check(*request, fault);
+        if (framing != HTTPResponse::HTTP_OK)
+        {
+            LOG_WARNING("Refused request (" << request->getURI() << "): " << fault);
+            sendRefusal(session, framing, fault);
             break;
         }
         if (!serve(session, *request, response))

@@ -48,7 +48,8 @@ public:
     void copyFrom(const XObject& xobj, bool includeVals);
     /// Takes id (past the write-once rule), name, UUID and element of xobj, and a fresh cell for each
     /// of its cells, with the same attribute and id; with includeVals the values too, else the cells
-    /// are empty. The cells are never shared with xobj. Copying from itself leaves no values.
+    /// are empty. Neither the cells nor the vectors of array values are shared with xobj. Copying from
+    /// itself leaves no values.
 
     void swap(XObject& other);
     /// Exchanges id, name, UUID, element and values without copying.

@@ -1,5 +1,6 @@
 #include "JSONDataCache/DBData/XObject.h"
 
+#include <typeinfo>
 #include <utility>
 
 namespace Orvi::DBData
@@ -36,6 +37,27 @@ void XObject::removeValue(const std::string& attributeName)
     }
 }
 
+namespace
+{
+
+// An array value points to a vector that every copy of the Var shares and that an append changes in place;
+// a copy gets a vector of its own, so that nothing done to it reaches the source.
+Poco::Dynamic::Var ownValue(const Poco::Dynamic::Var& value)
+{
+    if (value.type() != typeid(AttributeValue::ValueArrayPtr))
+    {
+        return value;
+    }
+    const AttributeValue::ValueArrayPtr& array = value.extract<AttributeValue::ValueArrayPtr>();
+    if (array.isNull())
+    {
+        return value;
+    }
+    return AttributeValue::ValueArrayPtr(new AttributeValue::ValueArray(*array));
+}
+
+} // namespace
+
 void XObject::copyFrom(const XObject& xobj, bool includeVals)
 {
     // The id is copied past the write-once rule: a copy takes the identity of its source.
@@ -55,7 +77,7 @@ void XObject::copyFrom(const XObject& xobj, bool includeVals)
         AttributeValuePtr copy(new AttributeValue(db_id, source->getAttribute(), source->getDBID()));
         if (includeVals)
         {
-            copy->setValue(source->getValue(), false);
+            copy->setValue(ownValue(source->getValue()), false);
         }
         attributeValues.push_back(std::move(copy));
     }
