@@ -176,7 +176,10 @@ TEST(RequestFraming, JudgesTheVersionBeforeTheLength)
 
 TEST(RequestFramingTest, RefusesAHeaderNameOutsideAscii)
 {
-    expectRefused(check("HTTP/1.1", {{"X-F\xc3\xbc\xc3\x9f" "e", "1"}}), 400, "malformed header name");
+    // A name with an umlaut and a sharp s, in UTF-8.
+    const std::string name = std::string("X-F\xc3\xbc\xc3\x9f") + "e";
+
+    expectRefused(check("HTTP/1.1", {{name, "1"}}), 400, "malformed header name");
 }
 
 TEST(RequestFramingTest, RefusesAHeaderNameWithASpace)
