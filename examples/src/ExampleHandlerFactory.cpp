@@ -1,6 +1,7 @@
 #include "ExampleHandlerFactory.h"
 
 #include "ExampleHandler.h"
+#include "Explorer/ExplorerRequestHandler.h"
 #include "SubscriptionHandling/SubscriptionRequestHandler.h"
 
 namespace Orvi::Example
@@ -23,6 +24,10 @@ ExampleHandlerFactory::createRequestHandler(const Poco::Net::HTTPServerRequest& 
     if (m_subscriptions != nullptr && Service::SubscriptionRequestHandler::isUpgradeRequest(request))
     {
         return new Service::SubscriptionRequestHandler(*m_subscriptions);
+    }
+    if (Explorer::ExplorerRequestHandler::isExplorerRequest(request))
+    {
+        return new Explorer::ExplorerRequestHandler;
     }
     return createStoreHandler(m_worker, m_cache, m_trigger);
 }

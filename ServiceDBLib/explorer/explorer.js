@@ -1,0 +1,2 @@
+// The explorer page: services, resources and objects of this process, live.
+"use strict";
