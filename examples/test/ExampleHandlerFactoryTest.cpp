@@ -150,6 +150,22 @@ TEST_F(ExampleHandlerFactoryLive, StillAnswersAnOrdinaryGetOverHttp)
     EXPECT_EQ(answer.body, "{\"data\":" + zoneData("\"setPoint\":21.5") + ",\"status\":\"ok\"}");
 }
 
+TEST_F(ExampleHandlerFactoryLive, ServesTheExplorerPageAtItsOwnAddress)
+{
+    const ServiceDB::Example::Test::Answer answer = send(HTTPRequest::HTTP_GET, "/$explorer/");
+
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(answer.body.compare(0, 15, "<!DOCTYPE html>"), 0);
+}
+
+TEST_F(ExampleHandlerFactoryLive, LeavesAnyOtherAddressToTheStore)
+{
+    const ServiceDB::Example::Test::Answer answer = send(HTTPRequest::HTTP_GET, "/$explorers/");
+
+    EXPECT_EQ(answer.status, 400);
+    EXPECT_EQ(answer.body, R"({"code":400,"message":"","status":"error"})");
+}
+
 TEST_F(ExampleHandlerFactoryLive, TellsASubscriberOfASetPointOnceTheControllerHasConfirmedIt)
 {
     const std::string event = zone() + "?$fields=setPoint";
