@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Sets up the machine, builds every preset that CI gates on, runs the whole test suite in each, checks
-# the Debian packages, fuzzes every input path briefly, cross-builds for AArch64 with the suite under
-# emulation and checks the formatting. Exits non-zero on the first failure.
+# the Debian packages, drives the explorer page in a headless browser, fuzzes every input path briefly,
+# cross-builds for AArch64 with the suite under emulation and checks the formatting. Exits non-zero on
+# the first failure.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -19,6 +20,8 @@ for preset in "${presets[@]}"; do
     if [ "$preset" = default ]; then
         echo "=== packages ==="
         bash scripts/check-packages.sh default
+        echo "=== explorer ==="
+        bash scripts/check-explorer.sh build/default
     fi
 done
 
