@@ -13,7 +13,11 @@
 #include "VehicleLink.h"
 
 #include <Poco/AutoPtr.h>
+#include <Poco/Dynamic/Var.h>
 #include <Poco/Exception.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
 #include <Poco/Net/HTTPServerParams.h>
 #include <Poco/Net/NetException.h>
 #include <Poco/Net/ServerSocket.h>
@@ -29,6 +33,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -146,7 +151,7 @@ std::string sendAndReceive(Poco::UInt16 port, const std::string& bytes)
 }
 
 // The objects that the bytes created, by the Location of each 201: deleted again, so that the store keeps
-// its size however long the fuzzer runs.
+// its size however long the fuzzer runs (PlaylistSweep catches those whose Location was lost).
 void deleteCreated(Poco::UInt16 port, const std::string& answer)
 {
     static const std::string LOCATION = "\r\nLocation: ";
@@ -162,6 +167,68 @@ void deleteCreated(Poco::UInt16 port, const std::string& answer)
     }
 }
 
+// The body of an answer to a GET that the harness sends itself, or an empty string.
+std::string bodyOf(const std::string& answer)
+{
+    const std::size_t begin = answer.find("\r\n\r\n");
+    return begin == std::string::npos ? std::string() : answer.substr(begin + 4);
+}
+
+// Playlists are the objects a client may create. An answer that the server cut short with a reset may
+// have lost the Location of one, so now and then every playlist but those of the sample data is deleted:
+// a store that grew with the run would make each input slower than the one before.
+class PlaylistSweep
+{
+public:
+    static constexpr unsigned EVERY = 256;
+
+    explicit PlaylistSweep(Poco::UInt16 port)
+        : m_port(port)
+    {
+        for (std::string& uri : list())
+        {
+            m_samples.insert(std::move(uri));
+        }
+    }
+
+    void afterInput()
+    {
+        if (++m_inputs % EVERY != 0)
+        {
+            return;
+        }
+        for (const std::string& uri : list())
+        {
+            if (m_samples.count(uri) == 0)
+            {
+                sendAndReceive(m_port,
+                               "DELETE " + uri + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
+            }
+        }
+    }
+
+private:
+    // The addresses of the first thousand playlists; an empty list has no paging and may have no data.
+    std::vector<std::string> list() const
+    {
+        const std::string answer =
+            sendAndReceive(m_port, "GET /audio/playlists?$fields=uri&$limit=1000 HTTP/1.1\r\nHost: "
+                                   "127.0.0.1\r\nConnection: close\r\n\r\n");
+        const Poco::JSON::Array::Ptr data =
+            Poco::JSON::Parser().parse(bodyOf(answer)).extract<Poco::JSON::Object::Ptr>()->getArray("data");
+        std::vector<std::string> uris;
+        for (std::size_t i = 0; !data.isNull() && i < data->size(); ++i)
+        {
+            uris.push_back(data->getObject(static_cast<unsigned>(i))->getValue<std::string>("uri"));
+        }
+        return uris;
+    }
+
+    Poco::UInt16 m_port;
+    std::set<std::string> m_samples;
+    unsigned m_inputs = 0;
+};
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
@@ -176,6 +243,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static Example example;
+    static PlaylistSweep sweep(example.port);
     const std::string answer =
         sendAndReceive(example.port, std::string(reinterpret_cast<const char*>(data), size));
     if (!answer.empty() && answer.compare(0, 7, "HTTP/1.") != 0)
@@ -184,5 +252,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     }
     deleteCreated(example.port, answer);
+    sweep.afterInput();
     return 0;
 }
