@@ -208,18 +208,28 @@ public:
     }
 
 private:
-    // The addresses of the first thousand playlists; an empty list has no paging and may have no data.
+    // The addresses of the first thousand playlists; an empty list has no paging and may have no data. An
+    // answer that is not such a list skips the sweep: judging answers is not the sweep's business.
     std::vector<std::string> list() const
     {
         const std::string answer =
             sendAndReceive(m_port, "GET /audio/playlists?$fields=uri&$limit=1000 HTTP/1.1\r\nHost: "
                                    "127.0.0.1\r\nConnection: close\r\n\r\n");
-        const Poco::JSON::Array::Ptr data =
-            Poco::JSON::Parser().parse(bodyOf(answer)).extract<Poco::JSON::Object::Ptr>()->getArray("data");
         std::vector<std::string> uris;
-        for (std::size_t i = 0; !data.isNull() && i < data->size(); ++i)
+        try
         {
-            uris.push_back(data->getObject(static_cast<unsigned>(i))->getValue<std::string>("uri"));
+            const Poco::JSON::Array::Ptr data = Poco::JSON::Parser()
+                                                    .parse(bodyOf(answer))
+                                                    .extract<Poco::JSON::Object::Ptr>()
+                                                    ->getArray("data");
+            for (std::size_t i = 0; !data.isNull() && i < data->size(); ++i)
+            {
+                uris.push_back(data->getObject(static_cast<unsigned>(i))->getValue<std::string>("uri"));
+            }
+        }
+        catch (const Poco::Exception&)
+        {
+            uris.clear();
         }
         return uris;
     }
