@@ -6,7 +6,6 @@
 #include "Http/HTTPEncoderDecoder.h"
 
 #include <Poco/Net/HTTPRequest.h>
-#include <Poco/URI.h>
 
 #include <map>
 #include <string_view>
@@ -64,6 +63,14 @@ void sendError(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerRespo
         .send(response, coder, request.getMethod() == Poco::Net::HTTPRequest::HTTP_HEAD);
 }
 
+// An answer without a body: a redirect or a confirmation that the client's copy is current.
+void sendEmpty(Poco::Net::HTTPServerResponse& response, Poco::Net::HTTPResponse::HTTPStatus status)
+{
+    response.setStatusAndReason(status);
+    response.setContentLength(0);
+    response.send();
+}
+
 } // namespace
 
 bool ExplorerRequestHandler::isExplorerRequest(const Poco::Net::HTTPServerRequest& request)
@@ -89,9 +96,7 @@ void ExplorerRequestHandler::handleRequest(Poco::Net::HTTPServerRequest& request
     if (path == baseWithoutSlash())
     {
         response.set(Command::HttpResponse::FIELD_LOCATION, BASE_PATH);
-        response.setStatusAndReason(Poco::Net::HTTPResponse::HTTP_MOVED_PERMANENTLY);
-        response.setContentLength(0);
-        response.send();
+        sendEmpty(response, Poco::Net::HTTPResponse::HTTP_MOVED_PERMANENTLY);
         return;
     }
 
@@ -114,9 +119,7 @@ void ExplorerRequestHandler::handleRequest(Poco::Net::HTTPServerRequest& request
     response.set("X-Content-Type-Options", "nosniff");
     if (Net::HTTPCacheHandler::matchesIfNoneMatch(request, etag))
     {
-        response.setStatusAndReason(Poco::Net::HTTPResponse::HTTP_NOT_MODIFIED);
-        response.setContentLength(0);
-        response.send();
+        sendEmpty(response, Poco::Net::HTTPResponse::HTTP_NOT_MODIFIED);
         return;
     }
     Net::HTTPEncoderDecoder coder(request, response);
