@@ -150,6 +150,12 @@ std::string sendAndReceive(Poco::UInt16 port, const std::string& bytes)
     return answer;
 }
 
+// A request of the harness's own, on a connection that ends with its answer.
+std::string ownRequest(const std::string& method, const std::string& target)
+{
+    return method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
+}
+
 // The objects that the bytes created, by the Location of each 201: deleted again, so that the store keeps
 // its size however long the fuzzer runs (PlaylistSweep catches those whose Location was lost).
 void deleteCreated(Poco::UInt16 port, const std::string& answer)
@@ -161,8 +167,7 @@ void deleteCreated(Poco::UInt16 port, const std::string& answer)
         const std::string path = answer.substr(begin, answer.find("\r\n", begin) - begin);
         if (!path.empty() && path.front() == '/')
         {
-            sendAndReceive(port,
-                           "DELETE " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
+            sendAndReceive(port, ownRequest("DELETE", path));
         }
     }
 }
@@ -201,8 +206,7 @@ public:
         {
             if (m_samples.count(uri) == 0)
             {
-                sendAndReceive(m_port,
-                               "DELETE " + uri + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
+                sendAndReceive(m_port, ownRequest("DELETE", uri));
             }
         }
     }
@@ -213,8 +217,7 @@ private:
     std::vector<std::string> list() const
     {
         const std::string answer =
-            sendAndReceive(m_port, "GET /audio/playlists?$fields=uri&$limit=1000 HTTP/1.1\r\nHost: "
-                                   "127.0.0.1\r\nConnection: close\r\n\r\n");
+            sendAndReceive(m_port, ownRequest("GET", "/audio/playlists?$fields=uri&$limit=1000"));
         std::vector<std::string> uris;
         try
         {
