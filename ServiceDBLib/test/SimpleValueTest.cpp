@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -220,6 +221,52 @@ TEST(SimpleValue, SortsEveryValueOfTheAttributeTypesAsItIsWritten)
         EXPECT_FALSE(sut < probe) << text;
         EXPECT_FALSE(probe < sut) << text;
     }
+}
+
+TEST(SimpleValue, CopyOfATextKeySortsByItsOwnTextAfterTheOriginalIsGone)
+{
+    auto original = std::make_unique<SimpleValue>(Var(std::string("beta")));
+    ASSERT_TRUE(*original < SimpleValue(Var("gamma")));
+
+    const SimpleValue sut(*original);
+    original.reset();
+
+    EXPECT_TRUE(sut < SimpleValue(Var("gamma")));
+    EXPECT_FALSE(sut < SimpleValue(Var("alpha")));
+    EXPECT_TRUE(sut.isWrittenAs("beta"));
+}
+
+TEST(SimpleValue, MovedKeyKeepsItsValueAndTextAndLeavesNull)
+{
+    SimpleValue original(Var(std::string("beta")));
+    ASSERT_TRUE(original < SimpleValue(Var("gamma")));
+    const void* holderText = &original.value.extract<std::string>();
+
+    const SimpleValue sut(std::move(original));
+
+    EXPECT_EQ(&sut.value.extract<std::string>(), holderText);
+    EXPECT_TRUE(sut < SimpleValue(Var("gamma")));
+    EXPECT_FALSE(sut < SimpleValue(Var("alpha")));
+    EXPECT_TRUE(original.value.isEmpty());
+}
+
+TEST(SimpleValue, AssignedKeySortsByTheAssignedValue)
+{
+    const SimpleValue number(Var(Attribute::Integer(10)));
+    const SimpleValue text(Var(std::string("9")));
+    SimpleValue sut(Var(std::string("zeta")));
+    ASSERT_FALSE(sut < SimpleValue(Var("a")));
+
+    sut = text;
+    EXPECT_TRUE(sut < SimpleValue(Var("a")));
+    EXPECT_TRUE(number < sut);
+
+    sut = number;
+    EXPECT_TRUE(sut < text);
+    EXPECT_TRUE(sut == SimpleValue(Var("10")));
+
+    sut = SimpleValue(Var(std::string("zeta")));
+    EXPECT_FALSE(sut < SimpleValue(Var("a")));
 }
 
 } // namespace

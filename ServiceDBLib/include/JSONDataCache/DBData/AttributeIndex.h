@@ -92,13 +92,15 @@ bool AttributeIndex<V>::update(const AttributeValue& attrValue, const Poco::Dyna
     }
 
     const Index::IndexEntry newEntry(attrValue.getParent(), attrValue.getDBID());
-    auto found = m_entries.find(newEntry);
-    if (found == m_entries.end())
+    // Cells of new objects come after all others, so their place is found without a search.
+    auto found = !m_entries.empty() && m_entries.rbegin()->first < newEntry ? m_entries.end()
+                                                                            : m_entries.lower_bound(newEntry);
+    if (found == m_entries.end() || newEntry < found->first)
     {
         const auto group = insertIndexEntry(newEntry, V(value));
         try
         {
-            m_entries.emplace(newEntry, group);
+            m_entries.emplace_hint(found, newEntry, group);
         }
         catch (...)
         {

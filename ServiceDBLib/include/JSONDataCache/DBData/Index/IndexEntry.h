@@ -10,7 +10,11 @@ namespace Orvi::DBData::Index
 /// Names one indexed cell: the object and the attribute value within it.
 struct IndexEntry
 {
-    IndexEntry(DbId xobjectId, DbId attributeValueId);
+    IndexEntry(DbId xobjectId, DbId attributeValueId)
+        : idXObj(xobjectId)
+        , idAttrValue(attributeValueId)
+    {
+    }
     virtual ~IndexEntry();
 
     IndexEntry(const IndexEntry&) = default;
@@ -18,10 +22,16 @@ struct IndexEntry
     IndexEntry& operator=(const IndexEntry&) = default;
     IndexEntry& operator=(IndexEntry&&) = default;
 
-    bool operator<(const IndexEntry& other) const;
+    bool operator<(const IndexEntry& other) const
+    {
+        return idXObj != other.idXObj ? idXObj < other.idXObj : idAttrValue < other.idAttrValue;
+    }
     /// By object id, then by attribute value id.
 
-    bool operator==(const IndexEntry& other) const;
+    bool operator==(const IndexEntry& other) const
+    {
+        return idXObj == other.idXObj && idAttrValue == other.idAttrValue;
+    }
 
     DbId getXObjId() const { return idXObj; }
 

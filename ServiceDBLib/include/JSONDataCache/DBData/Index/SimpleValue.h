@@ -16,6 +16,13 @@ class SimpleValue
 public:
     explicit SimpleValue(const Poco::Dynamic::Var& keyValue);
 
+    SimpleValue(const SimpleValue& other);
+    SimpleValue(SimpleValue&& other) noexcept;
+    SimpleValue& operator=(const SimpleValue& other);
+    SimpleValue& operator=(SimpleValue&& other) noexcept;
+    ~SimpleValue();
+    /// A moved key keeps the holder of its value, so that moving copies no text.
+
     bool match(const Poco::RegularExpression& regex) const;
     /// Whether the whole text of the value, as an attribute value is written, matches; a null value
     /// never does.
@@ -49,8 +56,8 @@ private:
     /// The text of a value that is not null as an attribute value is written; the buffer holds it when
     /// it is not the sort text.
 
-    // Shared by the copies of a key, so that copying a key copies no text; empty until first needed, and
-    // never needed for a value that is text itself.
+    // Empty until first needed. For a text value it points into the value's own holder and owns nothing;
+    // otherwise it owns the converted text, shared by the copies of the key so that copying copies no text.
     mutable std::shared_ptr<const std::string> sortText;
 };
 

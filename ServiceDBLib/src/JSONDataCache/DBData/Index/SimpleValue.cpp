@@ -7,22 +7,64 @@
 namespace Orvi::DBData::Index
 {
 
+namespace
+{
+
+bool isText(const Poco::Dynamic::Var& value)
+{
+    return !value.isEmpty() && value.type() == typeid(std::string);
+}
+
+} // namespace
+
 SimpleValue::SimpleValue(const Poco::Dynamic::Var& keyValue)
     : value(keyValue)
 {
 }
 
+SimpleValue::SimpleValue(const SimpleValue& other)
+    : value(other.value)
+    // The copy's value has a holder of its own, which the original's text must not point into.
+    , sortText(isText(other.value) ? nullptr : other.sortText)
+{
+}
+
+SimpleValue::SimpleValue(SimpleValue&& other) noexcept
+    : sortText(std::move(other.sortText))
+{
+    value.swap(other.value);
+}
+
+SimpleValue& SimpleValue::operator=(const SimpleValue& other)
+{
+    SimpleValue copy(other);
+    return *this = std::move(copy);
+}
+
+SimpleValue& SimpleValue::operator=(SimpleValue&& other) noexcept
+{
+    value.swap(other.value);
+    sortText.swap(other.sortText);
+    return *this;
+}
+
+SimpleValue::~SimpleValue() = default;
+
 const std::string& SimpleValue::text() const
 {
-    // A text value is its own text; anything else is converted the way Var compares, once per key,
-    // since the index compares keys in every lookup and scan.
-    if (value.type() == typeid(std::string))
-    {
-        return value.extract<std::string>();
-    }
+    // Computed once per key, since the index compares keys in every lookup and scan: a text value is
+    // its own text, anything else is converted the way Var compares.
     if (!sortText)
     {
-        sortText = std::make_shared<const std::string>(value.convert<std::string>());
+        if (value.type() == typeid(std::string))
+        {
+            sortText = std::shared_ptr<const std::string>(std::shared_ptr<const std::string>(),
+                                                          &value.extract<std::string>());
+        }
+        else
+        {
+            sortText = std::make_shared<const std::string>(value.convert<std::string>());
+        }
     }
     return *sortText;
 }
