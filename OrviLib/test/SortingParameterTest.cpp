@@ -136,3 +136,21 @@ TEST(SortingParameter, OrdersRowsAsItOrdersTheirElementsReadingEachKeyOnceARow)
                              R"({"name":"b","size":1},{"name":"a"}])"),
         R"([{"name":"a","size":2},{"name":"b","size":2},{"name":"b","size":1},{"size":1},{"name":"a"}])");
 }
+
+TEST(SortingParameter, ComparesTwoRowsAsItOrdersThem)
+{
+    const std::vector<std::vector<Poco::Dynamic::Var>> table{
+        {"b", 2}, {Poco::Dynamic::Var(), 1}, {"a", 2}, {"b", 1}, {"a", 2}, {"c", true}};
+    const std::vector<std::string> columns{"name", "size"};
+    const SortingParameter sut("-size,name");
+    const SortingParameter::KeyReader valueOf = [&](std::size_t row, const std::string& key)
+    { return key == columns[0] ? table[row][0] : table[row][1]; };
+
+    EXPECT_LT(sut.compareRows(2, 0, valueOf), 0);
+    EXPECT_GT(sut.compareRows(0, 2, valueOf), 0);
+    EXPECT_LT(sut.compareRows(0, 3, valueOf), 0);
+    EXPECT_LT(sut.compareRows(3, 1, valueOf), 0);
+    EXPECT_EQ(sut.compareRows(2, 4, valueOf), 0);
+    // Numbers come before booleans in either direction.
+    EXPECT_LT(sut.compareRows(1, 5, valueOf), 0);
+}

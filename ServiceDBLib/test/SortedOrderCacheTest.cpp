@@ -19,6 +19,11 @@ using testing::IsNull;
 using testing::NotNull;
 using testing::Pointee;
 
+const SortedOrderCache::Order* orderOf(const SortedOrderCache::Kept* kept)
+{
+    return kept == nullptr ? nullptr : &kept->order;
+}
+
 QueryRows::Sortings sortingsOf(const std::vector<std::string>& queryValues)
 {
     QueryRows::Sortings sortings;
@@ -34,7 +39,7 @@ TEST(SortedOrderCache, GivesTheOrderKeptForTheElementVersionAndCriteria)
     SortedOrderCache sut(4);
     sut.keep(7, 100, "(+4:year)", {2, 0, 1});
 
-    EXPECT_THAT(sut.find(7, 100, "(+4:year)"), Pointee(ElementsAre(2, 0, 1)));
+    EXPECT_THAT(orderOf(sut.find(7, 100, "(+4:year)")), Pointee(ElementsAre(2, 0, 1)));
 }
 
 TEST(SortedOrderCache, GivesNothingForOtherCriteriaOrAnotherElement)
@@ -67,7 +72,7 @@ TEST(SortedOrderCache, ReplacesTheOrderKeptUnderTheSameKey)
 
     sut.keep(7, 100, "(+4:year)", {0, 1, 2});
 
-    EXPECT_THAT(sut.find(7, 100, "(+4:year)"), Pointee(ElementsAre(0, 1, 2)));
+    EXPECT_THAT(orderOf(sut.find(7, 100, "(+4:year)")), Pointee(ElementsAre(0, 1, 2)));
     EXPECT_EQ(sut.size(), 1U);
 }
 
@@ -92,7 +97,7 @@ TEST(SortedOrderCache, KeepsOneOrderWithACapacityOfZero)
     const SortedOrderCache::Order& kept = sut.keep(1, 10, "a", {2, 0, 1});
 
     EXPECT_THAT(kept, ElementsAre(2, 0, 1));
-    EXPECT_EQ(sut.find(1, 10, "a"), &kept);
+    EXPECT_EQ(orderOf(sut.find(1, 10, "a")), &kept);
 }
 
 TEST(SortedOrderCache, WritesEachKeyWithItsDirectionAndLength)
@@ -109,6 +114,51 @@ TEST(SortedOrderCache, TellsApartSortingsThatWouldReadAlikeWithoutLengths)
               SortedOrderCache::criteriaOf(sortingsOf({"a,b"})));
     EXPECT_NE(SortedOrderCache::criteriaOf(sortingsOf({"--a"})),
               SortedOrderCache::criteriaOf(sortingsOf({"-a"})));
+}
+
+TEST(SortedOrderCache, TakesTheOrdersOfAnElementIntoTheVersionOfAChangedValueAndNamesEachObjectOnce)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+
+    sut.valueChanged(7, 100, 101, 42);
+    sut.valueChanged(7, 101, 102, 42);
+    sut.valueChanged(7, 102, 105, 43);
+
+    const SortedOrderCache::Kept* kept = sut.find(7, 105, "(+4:year)");
+    ASSERT_THAT(kept, NotNull());
+    EXPECT_THAT(kept->order, ElementsAre(2, 0, 1));
+    EXPECT_THAT(kept->changed, ElementsAre(42, 43));
+}
+
+TEST(SortedOrderCache, DropsTheOrdersOfAnElementWhoseVersionMovedWithoutAValueChange)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+    sut.keep(8, 50, "(+4:year)", {0});
+
+    sut.valueChanged(7, 101, 102, 42);
+
+    EXPECT_THAT(sut.find(7, 102, "(+4:year)"), IsNull());
+    EXPECT_THAT(sut.find(8, 50, "(+4:year)"), NotNull());
+    EXPECT_EQ(sut.size(), 1U);
+}
+
+TEST(SortedOrderCache, DropsAnOrderOnceMoreObjectsChangedThanMovingThemIsWorth)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {0});
+    Poco::UInt64 version = 100;
+    for (std::size_t object = 0; object < SortedOrderCache::MAX_CHANGED; ++object)
+    {
+        sut.valueChanged(7, version, version + 1, static_cast<Orvi::DBData::DbId>(object));
+        ++version;
+    }
+    ASSERT_THAT(sut.find(7, version, "(+4:year)"), NotNull());
+
+    sut.valueChanged(7, version, version + 1, 1000);
+
+    EXPECT_THAT(sut.find(7, version + 1, "(+4:year)"), IsNull());
 }
 
 } // namespace

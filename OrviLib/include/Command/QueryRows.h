@@ -56,10 +56,19 @@ public:
     /// The order that sort() gives all rows, when the rows keep it so that it need not be sorted again;
     /// null (the default) otherwise.
 
+    void reposition(std::vector<std::size_t>& order, std::vector<std::size_t> rows, const Sortings& sortings);
+    /// Moves the rows whose members have changed since sort() gave the order to where sort() puts them
+    /// now; the members of every other row must be as they were. A row missing from the order is a
+    /// bugcheck.
+
 protected:
     QueryRows() = default;
     QueryRows(const QueryRows&) = default;
     QueryRows& operator=(const QueryRows&) = default;
+
+private:
+    SortingParameter::KeyReader keyReader();
+    /// The members as sorting reads them: every member of a row that is not an object is null.
 };
 
 } // namespace Orvi::Command

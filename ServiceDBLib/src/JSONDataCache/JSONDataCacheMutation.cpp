@@ -1,4 +1,5 @@
 #include "JSONDataCache/JSONDataCache.h"
+#include "JSONDataCache/SortedOrderCache.h"
 #include "JSONDataCache/UuidList.h"
 
 #include "JSONDataCache/DBData/Attribute.h"
@@ -230,6 +231,7 @@ bool JSONDataCache::updateCacheAttributeValueById(AttributeValue& attrvalue, boo
         poco_bugcheck();
     }
     Element::Ptr element = parent->getElement();
+    const Poco::UInt64 versionBefore = element->getVersion();
     const int typeNumber = static_cast<int>(attrvalue.getType());
 
     // The store is written before the index, so that a failing index leaves a stale entry, not a lost value.
@@ -269,6 +271,7 @@ bool JSONDataCache::updateCacheAttributeValueById(AttributeValue& attrvalue, boo
     }
     LOG_DEBUG("Attribute update successful (" << attrvalue.getName() << "," << typeNumber
                                               << " - XObj: " << parent->getUUID() << ")");
+    m_sortedOrders->valueChanged(element->getDBID(), versionBefore, element->getVersion(), parent->getDBID());
     return true;
 }
 
@@ -291,6 +294,7 @@ bool JSONDataCache::updateCacheArrayAttributeValueById(const AttributeValue& att
         poco_bugcheck();
     }
     Element::Ptr element = parent->getElement();
+    const Poco::UInt64 versionBefore = element->getVersion();
 
     AttributeValue::ValueArrayPtr array;
     try
@@ -383,6 +387,7 @@ bool JSONDataCache::updateCacheArrayAttributeValueById(const AttributeValue& att
     LOG_DEBUG("Array attribute update successful (" << attrvalue.getName() << "," << typeNumber << " ("
                                                     << array->size() << ") - XObj: " << parent->getUUID()
                                                     << ")");
+    m_sortedOrders->valueChanged(element->getDBID(), versionBefore, element->getVersion(), parent->getDBID());
     return true;
 }
 

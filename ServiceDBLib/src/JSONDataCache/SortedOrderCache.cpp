@@ -1,5 +1,6 @@
 #include "JSONDataCache/SortedOrderCache.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvi::JSONDataCache
@@ -12,8 +13,8 @@ SortedOrderCache::SortedOrderCache(std::size_t capacity)
 
 SortedOrderCache::~SortedOrderCache() = default;
 
-const SortedOrderCache::Order* SortedOrderCache::find(DBData::DbId element, Poco::UInt64 version,
-                                                      const std::string& criteria)
+SortedOrderCache::Kept* SortedOrderCache::find(DBData::DbId element, Poco::UInt64 version,
+                                               const std::string& criteria)
 {
     dropOtherVersions(element, version);
     for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry)
@@ -21,10 +22,34 @@ const SortedOrderCache::Order* SortedOrderCache::find(DBData::DbId element, Poco
         if (entry->element == element && entry->criteria == criteria)
         {
             m_entries.splice(m_entries.begin(), m_entries, entry);
-            return &m_entries.front().order;
+            return &m_entries.front().kept;
         }
     }
     return nullptr;
+}
+
+void SortedOrderCache::valueChanged(DBData::DbId element, Poco::UInt64 before, Poco::UInt64 after,
+                                    DBData::DbId object)
+{
+    m_entries.remove_if(
+        [&](Entry& entry)
+        {
+            if (entry.element != element)
+            {
+                return false;
+            }
+            if (entry.version != before || entry.kept.changed.size() == MAX_CHANGED)
+            {
+                return true;
+            }
+            entry.version = after;
+            std::vector<DBData::DbId>& changed = entry.kept.changed;
+            if (std::find(changed.begin(), changed.end(), object) == changed.end())
+            {
+                changed.push_back(object);
+            }
+            return false;
+        });
 }
 
 const SortedOrderCache::Order& SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version,
@@ -33,12 +58,12 @@ const SortedOrderCache::Order& SortedOrderCache::keep(DBData::DbId element, Poco
     dropOtherVersions(element, version);
     m_entries.remove_if([&](const Entry& entry)
                         { return entry.element == element && entry.criteria == criteria; });
-    m_entries.push_front({element, version, criteria, std::move(order)});
+    m_entries.push_front({element, version, criteria, {std::move(order), {}}});
     while (m_entries.size() > m_capacity)
     {
         m_entries.pop_back();
     }
-    return m_entries.front().order;
+    return m_entries.front().kept.order;
 }
 
 std::string SortedOrderCache::criteriaOf(const Command::QueryRows::Sortings& sortings)

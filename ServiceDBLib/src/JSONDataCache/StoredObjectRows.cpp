@@ -72,9 +72,20 @@ const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sor
         return nullptr;
     }
     const std::string criteria = SortedOrderCache::criteriaOf(sortings);
-    if (const SortedOrderCache::Order* order = m_orders->find(m_element, m_version, criteria))
+    if (SortedOrderCache::Kept* kept = m_orders->find(m_element, m_version, criteria))
     {
-        return order;
+        std::vector<std::size_t> changedRows;
+        for (const DBData::DbId id : kept->changed)
+        {
+            const auto row = std::lower_bound(m_ids.begin(), m_ids.end(), id);
+            if (row != m_ids.end() && *row == id)
+            {
+                changedRows.push_back(static_cast<std::size_t>(row - m_ids.begin()));
+            }
+        }
+        reposition(kept->order, changedRows, sortings);
+        kept->changed.clear();
+        return &kept->order;
     }
     SortedOrderCache::Order order(m_ids.size());
     std::iota(order.begin(), order.end(), 0);

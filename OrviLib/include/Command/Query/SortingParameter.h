@@ -53,6 +53,9 @@ public:
     void sort(std::vector<std::size_t>& rows, const KeyReader& valueOf) const;
     /// Orders the rows by the keys as sort() orders their elements; each key is read once a row.
 
+    int compareRows(std::size_t left, std::size_t right, const KeyReader& valueOf) const;
+    /// Negative when the keys put row left first, positive when row right, 0 when they tie.
+
 private:
     std::vector<SortKey> m_sortKeys;
 };

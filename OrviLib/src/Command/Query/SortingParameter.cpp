@@ -129,6 +129,18 @@ std::vector<SortingParameter::SortKey> splitKeys(const std::string& queryValue)
     }
 }
 
+// The order of one key's values: kinds first, in either direction; within a kind as the key says.
+int compareKeys(const KeyValue& a, const KeyValue& b, const SortingParameter::SortKey& key)
+{
+    if (a.kind != b.kind)
+    {
+        return a.kind < b.kind ? -1 : 1;
+    }
+    const int result = compareContent(a, b);
+    const int sign = (result > 0) - (result < 0);
+    return key.descending ? -sign : sign;
+}
+
 } // namespace
 
 SortingParameter::SortingParameter(const std::string& queryValue)
@@ -191,16 +203,11 @@ void SortingParameter::sort(std::vector<std::size_t>& rows, const KeyReader& val
                      {
                          for (std::size_t k = 0; k < keyCount; ++k)
                          {
-                             const KeyValue& a = keys[left * keyCount + k];
-                             const KeyValue& b = keys[right * keyCount + k];
-                             if (a.kind != b.kind)
-                             {
-                                 return a.kind < b.kind;
-                             }
-                             const int result = compareContent(a, b);
+                             const int result = compareKeys(keys[left * keyCount + k],
+                                                            keys[right * keyCount + k], m_sortKeys[k]);
                              if (result != 0)
                              {
-                                 return m_sortKeys[k].descending ? result > 0 : result < 0;
+                                 return result < 0;
                              }
                          }
                          return false;
@@ -213,6 +220,20 @@ void SortingParameter::sort(std::vector<std::size_t>& rows, const KeyReader& val
         sorted.push_back(rows[index]);
     }
     rows.swap(sorted);
+}
+
+int SortingParameter::compareRows(std::size_t left, std::size_t right, const KeyReader& valueOf) const
+{
+    for (const SortKey& sortKey : m_sortKeys)
+    {
+        const int result =
+            compareKeys(readKey(valueOf(left, sortKey.name)), readKey(valueOf(right, sortKey.name)), sortKey);
+        if (result != 0)
+        {
+            return result;
+        }
+    }
+    return 0;
 }
 
 } // namespace Orvi::Command
