@@ -106,6 +106,17 @@ TEST(QueryRows, PutsAChangedRowThatTiesAmongItsEqualsByItsPlaceInTheRows)
     EXPECT_EQ(orderAfterChange(sut, "-n", 1, 1), (std::vector<std::size_t>{0, 1, 2, 3}));
 }
 
+TEST(QueryRows, LeavesAnOrderAsItIsWithoutChangedRows)
+{
+    TableRows sut;
+    sut.addNumbers({1, 2, 3});
+    std::vector<std::size_t> order{2, 0, 1};
+
+    sut.reposition(order, {}, sortingsOf("n"));
+
+    EXPECT_EQ(order, (std::vector<std::size_t>{2, 0, 1}));
+}
+
 TEST(QueryRows, MovesSeveralChangedRowsAtOnceAsSortingAgainDoes)
 {
     TableRows sut;

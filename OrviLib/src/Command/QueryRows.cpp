@@ -32,6 +32,10 @@ void QueryRows::sort(std::vector<std::size_t>& selected, const Sortings& sorting
 void QueryRows::reposition(std::vector<std::size_t>& order, std::vector<std::size_t> rows,
                            const Sortings& sortings)
 {
+    if (rows.empty())
+    {
+        return;
+    }
     // Taken out all at once, so that the rows left stand in sorted order for each search of a place.
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());

@@ -74,6 +74,10 @@ const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sor
     const std::string criteria = SortedOrderCache::criteriaOf(sortings);
     if (SortedOrderCache::Kept* kept = m_orders->find(m_element, m_version, criteria))
     {
+        if (kept->changed.empty())
+        {
+            return &kept->order;
+        }
         std::vector<std::size_t> changedRows;
         for (const DBData::DbId id : kept->changed)
         {
