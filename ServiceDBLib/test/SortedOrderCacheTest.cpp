@@ -144,6 +144,19 @@ TEST(SortedOrderCache, DropsTheOrdersOfAnElementWhoseVersionMovedWithoutAValueCh
     EXPECT_EQ(sut.size(), 1U);
 }
 
+TEST(SortedOrderCache, KeepsAnOrderFoundBeforeInPlaceWhenAChangeLeavesItBehind)
+{
+    SortedOrderCache sut(4);
+    sut.keep(7, 100, "(+4:year)", {2, 0, 1});
+    const SortedOrderCache::Kept* found = sut.find(7, 100, "(+4:year)");
+
+    sut.valueChanged(7, 99, 101, 42);
+
+    EXPECT_EQ(sut.size(), 1U);
+    EXPECT_THAT(found->order, ElementsAre(2, 0, 1));
+    EXPECT_THAT(sut.find(7, 101, "(+4:year)"), IsNull());
+}
+
 TEST(SortedOrderCache, DropsAnOrderOnceMoreObjectsChangedThanMovingThemIsWorth)
 {
     SortedOrderCache sut(4);

@@ -31,25 +31,21 @@ SortedOrderCache::Kept* SortedOrderCache::find(DBData::DbId element, Poco::UInt6
 void SortedOrderCache::valueChanged(DBData::DbId element, Poco::UInt64 before, Poco::UInt64 after,
                                     DBData::DbId object)
 {
-    m_entries.remove_if(
-        [&](Entry& entry)
+    // Nothing is dropped here, since a query may hold an order while its selection repairs a value;
+    // an order left behind in its version goes at the next find or keep.
+    for (Entry& entry : m_entries)
+    {
+        if (entry.element != element || entry.version != before || entry.kept.changed.size() == MAX_CHANGED)
         {
-            if (entry.element != element)
-            {
-                return false;
-            }
-            if (entry.version != before || entry.kept.changed.size() == MAX_CHANGED)
-            {
-                return true;
-            }
-            entry.version = after;
-            std::vector<DBData::DbId>& changed = entry.kept.changed;
-            if (std::find(changed.begin(), changed.end(), object) == changed.end())
-            {
-                changed.push_back(object);
-            }
-            return false;
-        });
+            continue;
+        }
+        entry.version = after;
+        std::vector<DBData::DbId>& changed = entry.kept.changed;
+        if (std::find(changed.begin(), changed.end(), object) == changed.end())
+        {
+            changed.push_back(object);
+        }
+    }
 }
 
 const SortedOrderCache::Order& SortedOrderCache::keep(DBData::DbId element, Poco::UInt64 version,

@@ -43,7 +43,8 @@ public:
 
     void valueChanged(DBData::DbId element, Poco::UInt64 before, Poco::UInt64 after, DBData::DbId object);
     /// Takes the element's orders of version before into version after, which differs from it only by
-    /// values of the object; orders of other versions go.
+    /// values of the object. Orders of other versions, or with too many changed objects, stay behind and
+    /// go at the next find or keep; an order found before stays valid.
 
     const Order& keep(DBData::DbId element, Poco::UInt64 version, const std::string& criteria, Order order);
     /// Keeps the order in place of the element's orders of other versions and gives it; beyond the
