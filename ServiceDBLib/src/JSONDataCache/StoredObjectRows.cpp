@@ -74,10 +74,6 @@ const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sor
     const std::string criteria = SortedOrderCache::criteriaOf(sortings);
     if (SortedOrderCache::Kept* kept = m_orders->find(m_element, m_version, criteria))
     {
-        if (kept->changed.empty())
-        {
-            return &kept->order;
-        }
         std::vector<std::size_t> changedRows;
         for (const DBData::DbId id : kept->changed)
         {
@@ -87,7 +83,7 @@ const std::vector<std::size_t>* StoredObjectRows::orderOfAll(const Sortings& sor
                 changedRows.push_back(static_cast<std::size_t>(row - m_ids.begin()));
             }
         }
-        reposition(kept->order, changedRows, sortings);
+        reposition(kept->order, std::move(changedRows), sortings);
         kept->changed.clear();
         return &kept->order;
     }

@@ -56,7 +56,7 @@ const std::string& SimpleValue::text() const
     // its own text, anything else is converted the way Var compares.
     if (!sortText)
     {
-        if (value.type() == typeid(std::string))
+        if (isText(value))
         {
             sortText = std::shared_ptr<const std::string>(std::shared_ptr<const std::string>(),
                                                           &value.extract<std::string>());
